@@ -1,0 +1,53 @@
+# One-word commands over the CMake presets. `make help` lists them.
+JOBS ?= $(shell nproc)
+PREFIX ?= /usr/local
+EXAMPLE ?= examples/signals.csv
+
+.PHONY: help deps run build dev test check bench format format-check install clean
+
+help:
+	@echo "make run           build (Release) and run the utilkit tool on the example data"
+	@echo "make test          build with sanitizers, run all tests, warnings and format checks"
+	@echo "make build         Release build of the library, tool and benchmarks"
+	@echo "make bench         run the benchmarks (Release)"
+	@echo "make install       install into PREFIX (default /usr/local)"
+	@echo "make format        reformat the sources with clang-format"
+	@echo "make format-check  fail if any source is not formatted"
+	@echo "make deps          install the Debian packages the build needs"
+	@echo "make clean         remove build/"
+
+deps:
+	@scripts/install-deps.sh
+
+build: deps
+	cmake --preset release
+	cmake --build --preset release -j $(JOBS)
+
+run: build
+	build/release/tools/utilkit calc --expr '#Peak# * #Time# / 1000 + 1' $(EXAMPLE)
+
+dev: deps
+	cmake --preset dev
+	cmake --build --preset dev -j $(JOBS)
+
+check: dev
+	ctest --preset dev -j $(JOBS)
+
+test: check build format-check
+
+bench: build
+	@for b in build/release/bench/*_bench; do echo "== $$b"; $$b; done
+
+install: build
+	cmake --install build/release --prefix $(PREFIX)
+
+SOURCES = $(shell git ls-files '*.h' '*.cpp' 2>/dev/null)
+
+format:
+	clang-format -i $(SOURCES)
+
+format-check:
+	clang-format --dry-run -Werror $(SOURCES)
+
+clean:
+	rm -rf build
