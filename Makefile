@@ -3,12 +3,13 @@ JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 EXAMPLE ?= examples/signals.csv
 
-.PHONY: help deps run build dev test check bench format format-check install clean
+.PHONY: help deps run build dev test check windows bench format format-check install clean
 
 help:
 	@echo "make run           build (Release) and run the utilkit tool on the example data"
 	@echo "make test          build with sanitizers, run all tests, warnings and format checks"
 	@echo "make build         Release build of the library, tool and benchmarks"
+	@echo "make windows       cross-build for 64-bit Windows and run its tests under Wine"
 	@echo "make bench         run the benchmarks (Release)"
 	@echo "make install       install into PREFIX (default /usr/local)"
 	@echo "make format        reformat the sources with clang-format"
@@ -33,7 +34,12 @@ dev: deps
 check: dev
 	ctest --preset dev -j $(JOBS)
 
-test: check build format-check
+windows: deps
+	cmake --preset windows
+	cmake --build --preset windows -j $(JOBS)
+	ctest --preset windows
+
+test: check build windows format-check
 
 bench: build
 	@for b in build/release/bench/*_bench; do echo "== $$b"; $$b; done

@@ -9,10 +9,8 @@ packages=(
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   libxerces-c-dev libcli11-dev nlohmann-json3-dev
   clang clang-format
+  mingw-w64 wine64
 )
-if [ "${UTILKIT_WINDOWS:-0}" = "1" ]; then
-  packages+=(mingw-w64 wine64)
-fi
 
 missing=()
 for p in "${packages[@]}"; do
