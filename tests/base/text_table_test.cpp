@@ -2,7 +2,175 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstring>
+#include <iterator>
+
 namespace {
+
+struct Expected {
+  int32_t code;
+  const char* text;
+};
+
+// Every message of the library as hosts see it, written out independently of the
+// table's own source so that a dropped, renumbered or re-worded entry shows up here.
+constexpr Expected kExpected[] = {
+    {-656171, "Invalid property type: "},
+    {-656170, "The data types of the properties passed to CopyPropertyValue are not the same."},
+    {-656169, "Mandatory property is not defined: "},
+    {-656168, "Unsupported property type: "},
+    {-656167, "Invalid default value for enum property"},
+    {-656166, "Invalid enumopts attribute"},
+    {-656165, "Invalid maxallowequal attribute"},
+    {-656164, "Invalid minallowequal attribute"},
+    {-656163, "Invalid max attribute"},
+    {-656162, "Invalid min attribute"},
+    {-656161, "Syntax error in user defined property value. "},
+    {-656002, "Divide by zero"},
+    {-656001, "Attempt to write to a column that is not writable"},
+    {-656000, "Invalid type for writable column in VCUTableData"},
+    {-655999, "Out of range row number passed to AddInputTable"},
+    {-655998, "Problem setting the buffer size to hold the data."},
+    {-655997, "Filter is only valid for string columns"},
+    {-655996, "The category column must be one of the sort columns."},
+    {-655995, "Virtual column returning row indices can only return a Huge value"},
+    {-655994, "Virtual column with an expression can only return a Double value"},
+    {-655992, "OR filter must have two sub-filters assigned"},
+    {-655991, "AND filter must have two sub-filters assigned"},
+    {-655990, "Invalid column type specified"},
+    {-655989, "Sort operation failed"},
+    {-655988, "Invalid sort operation configured"},
+    {-655987, "No columns defined for sort operation"},
+    {-655986, "Status column is set to be copied from an input column which has no status: "},
+    {-655985, "Compression operation failed"},
+    {-655984, "Compression using string columns for the search is not currently supported."},
+    {-655983, "Invalid compression operation configured"},
+    {-655982, "No select column configured"},
+    {-655981, "No search columns configured"},
+    {-655980, "Invalid selection type set for Compression operation."},
+    {-655979, "No source column has been set for new status column: "},
+    {-655978, "No expression has been set for new column: "},
+    {-655977, "Keyword has not been defined for new column"},
+    {-655975, "Row number out of range"},
+    {-655974, "Column index out of range"},
+    {-655972, "No output columns defined for table"},
+    {-655971, "No input tables defined"},
+    {-655970, "Unknown column data type used for filter"},
+    {-655969, "Columns must be same type in all input tables. Bad column: "},
+    {-655968, "Column not found: "},
+    {-655966, "Invalid comparison set for filter"},
+    {-655964,
+     "Too many table rows to perform sort and filter. You can increase \nthe limit via the "
+     "preference /Libraries/utilkit/MaximumTableProcessorRows"},
+    {-655963, "Failed to process filtering and sorting on table"},
+    {-655962, "Attempt to remove a table from the table processor which is not defined"},
+    {-655961, "Table has already been added to the operation list"},
+    {-655865, "Failed RegisterServiceCtrlHandler"},
+    {-655864, "Error starting service"},
+    {-655863, "Error deleting service"},
+    {-655862, "Error creating service"},
+    {-655861, "Error opening service control manager"},
+    {-655769, "No text specified in Text child of node :"},
+    {-655768, "Node does not have a Text child : "},
+    {-655767, "Unknown error in GetAttribute"},
+    {-655766, "No attribute found with name : "},
+    {-655765, "No attributes available while searching for attribute : "},
+    {-655764, "No element found with name : "},
+    {-655763, "Unknown error in XML"},
+    {-655762, "There is more than one element with the tag name : "},
+    {-655761, "Error parsing XML text"},
+    {-655578, "Timeout waiting for response from socket"},
+    {-655577, "Out of memory"},
+    {-655576, "Timeout writing data to socket"},
+    {-655575, "Connection lost"},
+    {-655574, "No active connection"},
+    {-655573, "Error in socket recv"},
+    {-655572, "Error in socket send"},
+    {-655570, "Error in socket close"},
+    {-655569, "Error in socket select"},
+    {-655565, "Socket error code"},
+    {-655562, "Error during socket call"},
+    {-655477, "Bad format of modifiers"},
+    {-655476, "No modifiers"},
+    {-655475, "Badly positioned {}"},
+    {-655474, "Blank property name"},
+    {-655473, "Invalid value for Method"},
+    {-655472, "No source data tree set"},
+    {-655471, "No operations defined"},
+    {-655470, "Invalid sort direction"},
+    {-655469, "No sorting properties defined"},
+    {-655468, "Filter syntax error"},
+    {-655467, "Mis-matched braces"},
+    {-655466, "Invalid modifier"},
+    {-655465, "Invalid sub type"},
+    {-655464, "Invalid number of letters per group"},
+    {-655463, "Invalid group type"},
+    {-655462, "Invalid format of group text"},
+    {-655461, "No grouping properties defined"},
+    {-68448, "Logarithm of zero"},
+    {-68445, "Division by zero"},
+    {101, "January"},
+    {102, "February"},
+    {103, "March"},
+    {104, "April"},
+    {105, "May"},
+    {106, "June"},
+    {107, "July"},
+    {108, "August"},
+    {109, "September"},
+    {110, "October"},
+    {111, "November"},
+    {112, "December"},
+};
+
+TEST(TextTableTest, EveryLibraryCodeResolvesToItsText) {
+  const VCTextTable* t = VFGetUtilKitText();
+  for (const Expected& e : kExpected) {
+    SCOPED_TRACE(e.code);
+    EXPECT_TRUE(VFTextHas(t, e.code));
+    EXPECT_STREQ(VFTextGet(t, e.code), e.text);
+  }
+}
+
+TEST(TextTableTest, HoldsExactlyTheExpectedCodes) {
+  EXPECT_EQ(VFTextCount(VFGetUtilKitText()), std::size(kExpected));
+}
+
+// Lookups are binary searches, so an unsorted table or a duplicated code makes
+// some entries unreachable: every entry must be found by walking all codes.
+TEST(TextTableTest, SortedWithoutDuplicates) {
+  const VCTextTable* t = VFGetUtilKitText();
+  size_t found = 0;
+  for (int32_t code = -656200; code <= 200; ++code) {
+    if (VFTextHas(t, code)) {
+      ++found;
+      EXPECT_NE(std::strlen(VFTextGet(t, code)), 0u) << code;
+    }
+  }
+  EXPECT_EQ(found, VFTextCount(t));
+}
+
+TEST(TextTableTest, NamesTakingASuffixEndInColon) {
+  const VCTextTable* t = VFGetUtilKitText();
+  const char* text = VFTextGet(t, -655968);
+  EXPECT_EQ(std::strcmp(text + std::strlen(text) - 2, ": "), 0);
+  text = VFTextGet(t, -655769);
+  EXPECT_EQ(text[std::strlen(text) - 1], ':');
+}
+
+TEST(TextTableTest, RowLimitMessageBreaksTheLine) {
+  EXPECT_NE(std::strchr(VFTextGet(VFGetUtilKitText(), -655964), '\n'), nullptr);
+}
+
+TEST(TextTableTest, CodesBetweenUsedOnesAreUnknown) {
+  const VCTextTable* t = VFGetUtilKitText();
+  for (int32_t code : {-656172, -656160, -656003, -655993, -655976, -655960, -655770, -655561,
+                       -655579, -655478, -655460, -68446}) {
+    EXPECT_FALSE(VFTextHas(t, code)) << code;
+    EXPECT_STREQ(VFTextGet(t, code), "") << code;
+  }
+}
 
 TEST(TextTableTest, MonthNamesAreCodes101To112) {
   const VCTextTable* t = VFGetUtilKitText();
@@ -16,6 +184,7 @@ TEST(TextTableTest, MonthNamesAreCodes101To112) {
 TEST(TextTableTest, UnknownCodesAndNullTableGiveEmptyText) {
   EXPECT_STREQ(VFTextGet(VFGetUtilKitText(), 123456), "");
   EXPECT_STREQ(VFTextGet(nullptr, 101), "");
+  EXPECT_FALSE(VFTextHas(nullptr, 101));
   EXPECT_EQ(VFTextCount(nullptr), 0u);
 }
 
