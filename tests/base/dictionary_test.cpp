@@ -1,0 +1,93 @@
+#include <utilkit/base/dictionary.h>
+#include <utilkit/base/vc_string.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+std::vector<std::string> Walk(const VCUDictionary& pool) {
+  std::vector<std::string> texts;
+  for (VCUDictionaryRef* r = pool.GetFirstString(); r; r = pool.GetNextString(r)) {
+    texts.push_back(pool.GetString(r));
+  }
+  return texts;
+}
+
+TEST(DictionaryTest, EqualTextsShareOneReference) {
+  VCUDictionary pool;
+  VCUDictionaryRef* a = pool.InsertString("Force");
+  ASSERT_NE(a, nullptr);
+  EXPECT_EQ(pool.InsertString(VCString("Force")), a);
+  EXPECT_EQ(pool.InsertString(std::string_view("Forces", 5)), a);
+  VCUDictionaryRef* b = pool.InsertString("force");
+  EXPECT_NE(b, a) << "texts are case-sensitive";
+  EXPECT_EQ(pool.GetSize(), 2);
+  EXPECT_STREQ(pool.GetString(a), "Force");
+  EXPECT_EQ(pool.InsertString(nullptr), pool.InsertString(""));
+  EXPECT_STREQ(pool.GetString(nullptr), "");
+}
+
+TEST(DictionaryTest, FindDoesNotInsert) {
+  VCUDictionary pool;
+  EXPECT_EQ(pool.FindString("Time"), nullptr);
+  EXPECT_EQ(pool.GetSize(), 0);
+  VCUDictionaryRef* t = pool.InsertString("Time");
+  EXPECT_EQ(pool.FindString("Time"), t);
+  EXPECT_EQ(pool.FindString("Tim"), nullptr);
+}
+
+TEST(DictionaryTest, ReferencesStayValidWhileThePoolGrows) {
+  VCUDictionary pool;
+  std::vector<VCUDictionaryRef*> refs;
+  for (int i = 0; i < 20000; ++i) refs.push_back(pool.InsertString(std::to_string(i).c_str()));
+  ASSERT_EQ(pool.GetSize(), 20000);
+  for (int i = 0; i < 20000; i += 997) {
+    EXPECT_STREQ(pool.GetString(refs[static_cast<size_t>(i)]), std::to_string(i).c_str());
+    EXPECT_EQ(pool.FindString(std::to_string(i).c_str()), refs[static_cast<size_t>(i)]);
+  }
+}
+
+TEST(DictionaryTest, WalkFollowsInsertionOrderThroughRemovals) {
+  VCUDictionary pool;
+  VCUDictionaryRef* refs[5];
+  const char* texts[] = {"e", "b", "d", "a", "c"};
+  for (int i = 0; i < 5; ++i) refs[i] = pool.InsertString(texts[i]);
+  pool.InsertString("b");
+  EXPECT_EQ(Walk(pool), (std::vector<std::string>{"e", "b", "d", "a", "c"}));
+  EXPECT_TRUE(pool.RemoveString(refs[0]));  // first
+  EXPECT_TRUE(pool.RemoveString(refs[2]));  // middle
+  EXPECT_TRUE(pool.RemoveString(refs[4]));  // last
+  EXPECT_EQ(Walk(pool), (std::vector<std::string>{"b", "a"}));
+  EXPECT_EQ(pool.GetSize(), 2);
+  EXPECT_EQ(pool.FindString("d"), nullptr);
+  pool.InsertString("d");
+  EXPECT_EQ(Walk(pool), (std::vector<std::string>{"b", "a", "d"}));
+  EXPECT_FALSE(pool.RemoveString(nullptr));
+  EXPECT_EQ(pool.GetNextString(nullptr), nullptr);
+}
+
+TEST(DictionaryTest, RemoveRefusesAnotherPoolsReference) {
+  VCUDictionary pool, other;
+  pool.InsertString("x");
+  VCUDictionaryRef* foreign = other.InsertString("x");
+  EXPECT_FALSE(pool.RemoveString(foreign));
+  EXPECT_EQ(pool.GetSize(), 1);
+  EXPECT_EQ(other.GetSize(), 1);
+}
+
+TEST(DictionaryTest, ClearEmptiesThePoolForReuse) {
+  VCUDictionary pool;
+  pool.InsertString("a");
+  pool.InsertString("b");
+  pool.Clear();
+  EXPECT_EQ(pool.GetSize(), 0);
+  EXPECT_EQ(pool.GetFirstString(), nullptr);
+  EXPECT_EQ(pool.FindString("a"), nullptr);
+  pool.InsertString("c");
+  EXPECT_EQ(Walk(pool), (std::vector<std::string>{"c"}));
+}
+
+}  // namespace
