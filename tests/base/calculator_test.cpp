@@ -1,0 +1,684 @@
+#include <utilkit/base/calculator.h>
+
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <utilkit/base/error_stack.h>
+#include <utilkit/base/text_table.h>
+
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+std::string Text(int32_t code) {
+  return VFTextGet(VFGetUtilKitText(), code);
+}
+
+bool EqualNoCase(const std::string& a, const std::string& b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (std::tolower(static_cast<unsigned char>(a[i])) !=
+        std::tolower(static_cast<unsigned char>(b[i]))) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// A host like a table: named columns, resolved ignoring case, read at `row`.
+// Identifiers start at `idBase` so hosts that number from 1000 are covered.
+class TableCalculator : public VCCalculator {
+ public:
+  explicit TableCalculator(int32_t idBase = 0) : m_idBase(idBase) {}
+
+  void AddColumn(std::string name, std::vector<double> values) {
+    m_names.push_back(std::move(name));
+    m_columns.push_back(std::move(values));
+  }
+  const double* Column(const char* name) const {
+    for (size_t i = 0; i < m_names.size(); ++i) {
+      if (EqualNoCase(m_names[i], name)) return m_columns[i].data();
+    }
+    return nullptr;
+  }
+  // The columns for EvaluateBlock, in slot order.
+  std::vector<const double*> SlotColumns() const {
+    std::vector<const double*> columns;
+    for (int32_t s = 0; s < GetVariableCount(); ++s) {
+      columns.push_back(m_columns[GetVariableIdOfSlot(s) - m_idBase].data());
+    }
+    return columns;
+  }
+
+  // Accepts "#Column#" only.
+  bool GetVariableId(const char* name, int32_t* id) override {
+    ++idCalls;
+    const std::string text = name;
+    const bool hashed = text.size() >= 3 && text.front() == '#' && text.back() == '#';
+    for (size_t i = 0; i < m_names.size() && hashed; ++i) {
+      if (EqualNoCase(m_names[i], text.substr(1, text.size() - 2))) {
+        *id = m_idBase + static_cast<int32_t>(i);
+        return true;
+      }
+    }
+    if (pushWhenRefusing) VFErrorSet(-1, "no such column", "TableCalculator::GetVariableId", 0);
+    return false;
+  }
+  bool GetVariableValue(int32_t id, double* value) override {
+    ++valueCalls;
+    if (failValues) {
+      VFErrorSet(-2, "read failed", "TableCalculator::GetVariableValue", 0);
+      return false;
+    }
+    *value = m_columns[id - m_idBase][row];
+    return true;
+  }
+
+  size_t row = 0;
+  int idCalls = 0;
+  int valueCalls = 0;
+  bool pushWhenRefusing = true;
+  bool failValues = false;
+
+ private:
+  int32_t m_idBase;
+  std::vector<std::string> m_names;
+  std::vector<std::vector<double>> m_columns;
+};
+
+class CalculatorTest : public ::testing::Test {
+ protected:
+  void SetUp() override { VFErrorClear(); }
+  void TearDown() override { VFErrorClear(); }
+
+  // The value of a text without variables; fails the test on any error.
+  static double Eval(const char* text) {
+    VCCalculator calc;
+    double value = -12345.0;
+    EXPECT_TRUE(calc.SetExpression(text)) << text << ": " << VFErrorGetFullString().c_str();
+    EXPECT_TRUE(calc.EvaluateExpressionToDouble(&value)) << text;
+    return value;
+  }
+  // The value of a text over columns X = 2 and N = NaN.
+  static double EvalX(const char* text) {
+    TableCalculator calc;
+    calc.AddColumn("X", {2.0});
+    calc.AddColumn("N", {kNaN});
+    double value = -12345.0;
+    EXPECT_TRUE(calc.SetExpression(text)) << text << ": " << VFErrorGetFullString().c_str();
+    EXPECT_TRUE(calc.EvaluateExpressionToDouble(&value)) << text;
+    return value;
+  }
+  // Checks that the stack holds exactly one record: code, message, location.
+  static void ExpectOnlyError(int32_t code, const std::string& message, const char* location) {
+    ASSERT_EQ(VFErrorGetCount(), 1u) << VFErrorGetFullString().c_str();
+    const VCErrorRecord* e = VFGetUtLibError();
+    EXPECT_EQ(VFErrorGetCode(e), code);
+    EXPECT_EQ(VFErrorGetMessage(e), message);
+    EXPECT_STREQ(VFErrorGetLocation(e), location);
+    EXPECT_EQ(VFErrorGetFlag(e), 0);
+  }
+};
+
+using CalculatorGrammar = CalculatorTest;
+using CalculatorVariables = CalculatorTest;
+using CalculatorMath = CalculatorTest;
+using CalculatorSyntax = CalculatorTest;
+using CalculatorBlock = CalculatorTest;
+using CalculatorUserFunctions = CalculatorTest;
+
+TEST_F(CalculatorGrammar, NumbersAndPrecedence) {
+  EXPECT_EQ(Eval("42"), 42.0);
+  EXPECT_DOUBLE_EQ(Eval("2e3 + .5 + 1.5E-1"), 2000.65);
+  EXPECT_EQ(Eval("1 + 2 * 3"), 7.0);
+  EXPECT_EQ(Eval("(1 + 2) * 3"), 9.0);
+  EXPECT_EQ(Eval("2 * 3 + 4 * 5"), 26.0);
+  EXPECT_EQ(Eval("10 - 4 - 3"), 3.0);
+  EXPECT_EQ(Eval("100 / 10 / 5"), 2.0);
+  EXPECT_EQ(Eval(" \t1\r\n+\n2 "), 3.0);
+  // The same with variables, so nothing is folded at compile time.
+  EXPECT_EQ(EvalX("#X# + 2 * #X#"), 6.0);
+  EXPECT_EQ(EvalX("10 - #X# - 3"), 5.0);
+  EXPECT_EQ(EvalX("16 / #X# / 2"), 4.0);
+  EXPECT_EQ(EvalX("#X#"), 2.0);
+}
+
+TEST_F(CalculatorGrammar, PowerIsRightAssociativeAndBindsTighterThanUnaryMinus) {
+  EXPECT_EQ(Eval("2^3^2"), 512.0);
+  EXPECT_EQ(Eval("-2^2"), -4.0);
+  EXPECT_EQ(Eval("(-2)^2"), 4.0);
+  EXPECT_EQ(Eval("2^-1"), 0.5);
+  EXPECT_EQ(Eval("-2^-2"), -0.25);
+  EXPECT_EQ(Eval("2 * 3^2"), 18.0);
+  EXPECT_EQ(Eval("--2 + +3"), 5.0);
+  EXPECT_EQ(EvalX("-#X#^2"), -4.0);
+  EXPECT_EQ(EvalX("#X#^3^2"), 512.0);
+  EXPECT_EQ(EvalX("#X#^-#X#"), 0.25);
+  EXPECT_EQ(EvalX("3 - -#X#"), 5.0);
+}
+
+TEST_F(CalculatorGrammar, ComparisonsAndLogicGiveOneOrZero) {
+  EXPECT_EQ(Eval("1 < 2"), 1.0);
+  EXPECT_EQ(Eval("2 <= 1"), 0.0);
+  EXPECT_EQ(Eval("2 > 1") + Eval("1 >= 1"), 2.0);
+  EXPECT_EQ(Eval("3 == 3") + Eval("3 != 3"), 1.0);
+  EXPECT_EQ(Eval("1 + 1 == 2"), 1.0);  // arithmetic binds tighter
+  EXPECT_EQ(Eval("1 < 2 == 1"), 1.0);  // relations tighter than equality
+  EXPECT_EQ(Eval("!0") + Eval("!5"), 1.0);
+  EXPECT_EQ(Eval("1 && 0") + Eval("0 || 2"), 1.0);
+  EXPECT_EQ(Eval("1 || 0 && 0"), 1.0);  // && tighter than ||
+  EXPECT_EQ(EvalX("#X# > 1 && #X# < 3"), 1.0);
+  // An invalid value compares unequal to everything and counts as true.
+  EXPECT_EQ(EvalX("#N# == #N#"), 0.0);
+  EXPECT_EQ(EvalX("#N# != #N#"), 1.0);
+  EXPECT_EQ(EvalX("#N# && 1"), 1.0);
+  EXPECT_EQ(EvalX("!#N#"), 0.0);
+}
+
+TEST_F(CalculatorGrammar, LongChainsNeedNoRecursion) {
+  std::string text = "1";
+  for (int i = 0; i < 100000; ++i) text += "+1";
+  EXPECT_EQ(Eval(text.c_str()), 100001.0);
+}
+
+TEST_F(CalculatorMath, Functions) {
+  const double pi = std::numbers::pi;
+  const std::pair<const char*, double> cases[] = {
+      {"abs(-3)", 3},
+      {"sqrt(16)", 4},
+      {"exp(0)", 1},
+      {"log(e)", 1},
+      {"log10(1000)", 3},
+      {"sin(0)", 0},
+      {"cos(0)", 1},
+      {"tan(0)", 0},
+      {"asin(1)", pi / 2},
+      {"acos(1)", 0},
+      {"atan(1)", pi / 4},
+      {"atan2(1, -1)", 3 * pi / 4},
+      {"sinh(0)", 0},
+      {"cosh(0)", 1},
+      {"tanh(0)", 0},
+      {"floor(-1.5)", -2},
+      {"ceil(-1.5)", -1},
+      {"round(2.5)", 3},
+      {"round(-2.5)", -3},
+      {"min(3, 1, 2)", 1},
+      {"max(3, 1, 2, 7)", 7},
+      {"pow(2, 10)", 1024},
+      {"mod(7, 3)", 1},
+      {"mod(-7, 3)", -1},
+      {"SQRT(4) + Abs(-1)", 3},
+      {"2 * PI", 2 * pi},
+      {"max(1, min(5, 3)) * 2", 6},
+  };
+  for (const auto& [text, expected] : cases) {
+    EXPECT_DOUBLE_EQ(Eval(text), expected) << text;
+    // The same through a variable, so it runs rather than being folded.
+    std::string viaVariable = text;
+    EXPECT_DOUBLE_EQ(EvalX(("(" + viaVariable + ") * #X# / 2").c_str()), expected) << text;
+  }
+}
+
+TEST_F(CalculatorMath, DomainErrorsGiveNaNOrInfinityWithoutFailing) {
+  EXPECT_TRUE(std::isnan(Eval("sqrt(-1)")));
+  EXPECT_TRUE(std::isnan(Eval("log(-1)")));
+  EXPECT_TRUE(std::isnan(Eval("log10(-1)")));
+  EXPECT_TRUE(std::isnan(Eval("asin(2)")));
+  EXPECT_TRUE(std::isnan(Eval("pow(-8, 1/3)")));
+  EXPECT_EQ(Eval("0^-1"), std::numeric_limits<double>::infinity());
+  EXPECT_EQ(Eval("-exp(1000)"), -std::numeric_limits<double>::infinity());
+  EXPECT_TRUE(std::isnan(EvalX("#N# + 1")));
+  EXPECT_TRUE(std::isnan(EvalX("min(#N#, 1)")));
+  EXPECT_TRUE(std::isnan(EvalX("min(1, #N#)")));
+  EXPECT_TRUE(std::isnan(EvalX("max(#N#, 1)")));
+  EXPECT_TRUE(std::isnan(EvalX("max(1, #N#)")));
+  EXPECT_EQ(VFErrorGetCount(), 0u);
+}
+
+TEST_F(CalculatorMath, DivisionByZeroFailsWithItsCode) {
+  TableCalculator calc;
+  calc.AddColumn("A", {6.0, 0.0, kNaN});
+  calc.AddColumn("B", {0.0, -0.0, 0.0});
+  const char* texts[] = {"#A# / #B#", "1 / 0", "0 / 0", "mod(#A#, #B#)", "#A# / (#B# * 2)"};
+  for (const char* text : texts) {
+    ASSERT_TRUE(calc.SetExpression(text)) << text;
+    for (calc.row = 0; calc.row < 3; ++calc.row) {
+      VFErrorClear();
+      double value = 7.0;
+      EXPECT_FALSE(calc.EvaluateExpressionToDouble(&value)) << text << " row " << calc.row;
+      EXPECT_EQ(value, 7.0);
+      ExpectOnlyError(kCalcErrorDivideByZero, Text(kCalcErrorDivideByZero),
+                      "VCCalculator::EvaluateExpressionToDouble");
+    }
+  }
+  EXPECT_EQ(Eval("1 / 0.0001"), 10000.0);
+}
+
+TEST_F(CalculatorMath, LogarithmOfZeroFailsWithItsCode) {
+  TableCalculator calc;
+  calc.AddColumn("Z", {0.0});
+  for (const char* text :
+       {"log(#Z#)", "log10(#Z#) + 1", "log(0)", "log10(-0)", "1 + log(#Z# * 5)"}) {
+    ASSERT_TRUE(calc.SetExpression(text)) << text;
+    VFErrorClear();
+    double value = 0.0;
+    EXPECT_FALSE(calc.EvaluateExpressionToDouble(&value)) << text;
+    ExpectOnlyError(kCalcErrorLogOfZero, Text(kCalcErrorLogOfZero),
+                    "VCCalculator::EvaluateExpressionToDouble");
+  }
+  // The first failing operation decides: here the logarithm comes first.
+  ASSERT_TRUE(calc.SetExpression("log(#Z#) + 1 / #Z#"));
+  VFErrorClear();
+  double value = 0.0;
+  EXPECT_FALSE(calc.EvaluateExpressionToDouble(&value));
+  EXPECT_TRUE(VFErrorCheck(kCalcErrorLogOfZero));
+  EXPECT_FALSE(VFErrorCheck(kCalcErrorDivideByZero));
+}
+
+TEST_F(CalculatorVariables, EachDistinctNameIsResolvedOnceAndFetchedOncePerRow) {
+  TableCalculator calc;
+  calc.AddColumn("Force", {10.0, 20.0, 30.0, 40.0, 50.0, 60.0});
+  calc.AddColumn("Area", {1.0, 2.0, 4.0, 5.0, 8.0, 10.0});
+  ASSERT_TRUE(calc.SetExpression("#Force# / #Area# + #Force# * 0"));
+  EXPECT_EQ(calc.idCalls, 2);
+  ASSERT_EQ(calc.GetVariableCount(), 2);
+  EXPECT_STREQ(calc.GetVariableName(0), "#Force#");
+  EXPECT_STREQ(calc.GetVariableName(1), "#Area#");
+  EXPECT_EQ(calc.GetVariableIdOfSlot(1), 1);
+  EXPECT_STREQ(calc.GetVariableName(2), "");
+  EXPECT_EQ(calc.GetVariableIdOfSlot(-1), -1);
+  calc.row = 5;
+  double value = 0.0;
+  ASSERT_TRUE(calc.EvaluateExpressionToDouble(&value));
+  EXPECT_EQ(value, 6.0);
+  EXPECT_EQ(calc.valueCalls, 2);
+  EXPECT_STREQ(calc.GetExpression(), "#Force# / #Area# + #Force# * 0");
+}
+
+TEST_F(CalculatorVariables, NamesDifferingOnlyInCaseAreTheHostsChoice) {
+  // A host that ignores case gives #A# and #a# one identifier: one slot.
+  TableCalculator table;
+  table.AddColumn("A", {3.0});
+  ASSERT_TRUE(table.SetExpression("#A# * 10 + #a#"));
+  EXPECT_EQ(table.idCalls, 2);
+  EXPECT_EQ(table.GetVariableCount(), 1);
+  double value = 0.0;
+  ASSERT_TRUE(table.EvaluateExpressionToDouble(&value));
+  EXPECT_EQ(value, 33.0);
+  EXPECT_EQ(table.valueCalls, 1);
+
+  // The calculator itself keeps them apart: late binding asks for each.
+  struct ByName : VCCalculator {
+    bool GetVariable(const char* name, double* value) override {
+      asked.emplace_back(name);
+      *value = std::string(name) == "#A#" ? 3.0 : std::string(name) == "#a#" ? 5.0 : 100.0;
+      return true;
+    }
+    std::vector<std::string> asked;
+  } byName;
+  ASSERT_TRUE(byName.SetExpression("#A# * 10 + #a# + Plain_1"));
+  EXPECT_EQ(byName.GetVariableCount(), 3);
+  ASSERT_TRUE(byName.EvaluateExpressionToDouble(&value));
+  EXPECT_EQ(value, 135.0);
+  EXPECT_EQ(byName.asked, (std::vector<std::string>{"#A#", "#a#", "Plain_1"}));
+}
+
+TEST_F(CalculatorVariables, IdentifiersFrom1000AreKeptAsGiven) {
+  TableCalculator calc(1000);
+  calc.AddColumn("Force_status", {32768.0, 0.0});
+  calc.AddColumn("Force", {2.5, 3.5});
+  ASSERT_TRUE(calc.SetExpression("#Force_status# + #FORCE# * 2"));
+  ASSERT_EQ(calc.GetVariableCount(), 2);
+  EXPECT_EQ(calc.GetVariableIdOfSlot(0), 1000);
+  EXPECT_EQ(calc.GetVariableIdOfSlot(1), 1001);
+  calc.row = 1;
+  double value = 0.0;
+  ASSERT_TRUE(calc.EvaluateExpressionToDouble(&value));
+  EXPECT_EQ(value, 7.0);
+  const std::vector<const double*> columns = calc.SlotColumns();
+  double out[2] = {};
+  ASSERT_TRUE(calc.EvaluateBlock(columns.data(), 0, 2, out));
+  EXPECT_EQ(out[0], 32773.0);
+  EXPECT_EQ(out[1], 7.0);
+}
+
+TEST_F(CalculatorVariables, TokensPassedToTheHostAsWritten) {
+  struct Recorder : VCCalculator {
+    bool GetVariableId(const char* name, int32_t* id) override {
+      names.emplace_back(name);
+      *id = static_cast<int32_t>(names.size());
+      return true;
+    }
+    std::vector<std::string> names;
+  } calc;
+  ASSERT_TRUE(calc.SetExpression("#Peak Force# + ## + Force_2 * #x_status# + log(x) + pi + e"));
+  EXPECT_EQ(calc.names,
+            (std::vector<std::string>{"#Peak Force#", "##", "Force_2", "#x_status#", "x"}));
+}
+
+TEST_F(CalculatorVariables, RefusedNameFailsSetExpression) {
+  TableCalculator calc;
+  calc.AddColumn("A", {1.0});
+  ASSERT_TRUE(calc.SetExpression("#A#"));
+  // The host said why: the calculator's record is a summary on top.
+  EXPECT_FALSE(calc.SetExpression("#A# + #Nope#"));
+  ASSERT_EQ(VFErrorGetCount(), 2u);
+  EXPECT_EQ(VFErrorGetCode(VFGetUtLibError()), -1);
+  const VCErrorRecord* last = VFErrorGetLast();
+  EXPECT_EQ(VFErrorGetCode(last), kCalcErrorUnknownVariable);
+  EXPECT_EQ(VFErrorGetMessage(last), Text(kCalcErrorUnknownVariable) + "#Nope#");
+  EXPECT_STREQ(VFErrorGetLocation(last), "VCCalculator::SetExpression");
+  EXPECT_EQ(VFErrorGetFlag(last), 1);
+  // A silent refusal gets a plain record; the failed text leaves no expression.
+  VFErrorClear();
+  calc.pushWhenRefusing = false;
+  EXPECT_FALSE(calc.SetExpression("##"));
+  ExpectOnlyError(kCalcErrorUnknownVariable, Text(kCalcErrorUnknownVariable) + "##",
+                  "VCCalculator::SetExpression");
+  VFErrorClear();
+  double value = 0.0;
+  EXPECT_FALSE(calc.EvaluateExpressionToDouble(&value));
+  ExpectOnlyError(kCalcErrorNoExpression, Text(kCalcErrorNoExpression),
+                  "VCCalculator::EvaluateExpressionToDouble");
+  EXPECT_EQ(calc.GetVariableCount(), 0);
+}
+
+TEST_F(CalculatorVariables, FailedValueFailsEvaluationWithSummary) {
+  TableCalculator calc;
+  calc.AddColumn("A", {1.0});
+  ASSERT_TRUE(calc.SetExpression("#a# + 1"));
+  calc.failValues = true;
+  double value = 0.0;
+  EXPECT_FALSE(calc.EvaluateExpressionToDouble(&value));
+  ASSERT_EQ(VFErrorGetCount(), 2u);
+  EXPECT_EQ(VFErrorGetCode(VFGetUtLibError()), -2);
+  const VCErrorRecord* last = VFErrorGetLast();
+  EXPECT_EQ(VFErrorGetCode(last), kCalcErrorVariableValue);
+  EXPECT_EQ(VFErrorGetMessage(last), Text(kCalcErrorVariableValue) + "#a#");
+  EXPECT_EQ(VFErrorGetFlag(last), 1);
+  // Without any host the variable is unknown when it is needed.
+  VFErrorClear();
+  VCCalculator bare;
+  ASSERT_TRUE(bare.SetExpression("#B# * 2"));
+  EXPECT_FALSE(bare.EvaluateExpressionToDouble(&value));
+  EXPECT_TRUE(VFErrorCheck(kCalcErrorUnknownVariable));
+  EXPECT_TRUE(VFErrorCheck(kCalcErrorVariableValue));
+}
+
+TEST_F(CalculatorSyntax, MalformedTextFailsWithCodeMessageAndLocation) {
+  struct Case {
+    const char* text;
+    int32_t code;
+    const char* detail;
+  };
+  const Case cases[] = {
+      {"", kCalcErrorSyntax, "empty expression"},
+      {"   ", kCalcErrorSyntax, "empty expression"},
+      {"1 +", kCalcErrorSyntax, "unexpected end of expression at position 4"},
+      {"1 + )", kCalcErrorSyntax, "unexpected ')' at position 5"},
+      {"1 2", kCalcErrorSyntax, "unexpected '2' at position 3"},
+      {"(1 + 2", kCalcErrorSyntax, "expected ')' but found end of expression at position 7"},
+      {"(1 + 2 3)", kCalcErrorSyntax, "expected ')' but found '3' at position 8"},
+      {"#Force + 1", kCalcErrorSyntax, "unterminated variable name '#Force + 1' at position 1"},
+      {"#A# = 2", kCalcErrorSyntax, "unexpected character '=' at position 5 (comparison is '==')"},
+      {"1 & 2", kCalcErrorSyntax, "unexpected character '&' at position 3 (logical and is '&&')"},
+      {"2 $ 3", kCalcErrorSyntax, "unexpected character '$' at position 3"},
+      {"1e+", kCalcErrorSyntax, "malformed number '1e+' at position 1"},
+      {"1 + 1e999", kCalcErrorSyntax, "number out of range '1e999' at position 5"},
+      {"f(1,)", kCalcErrorSyntax, "unexpected ')' at position 5"},
+      {"sqrt(1, 2, 3)", kCalcErrorArgumentCount, "sqrt (expects 1, got 3) at position 1"},
+      {"1 + sqrt()", kCalcErrorArgumentCount, "sqrt (expects 1, got 0) at position 5"},
+      {"atan2(1)", kCalcErrorArgumentCount, "atan2 (expects 2, got 1) at position 1"},
+      {"MIN(1)", kCalcErrorArgumentCount, "MIN (expects at least 2, got 1) at position 1"},
+  };
+  for (const Case& c : cases) {
+    VFErrorClear();
+    VCCalculator calc;
+    EXPECT_FALSE(calc.SetExpression(c.text)) << c.text;
+    ExpectOnlyError(c.code, Text(c.code) + c.detail, "VCCalculator::SetExpression");
+  }
+  VFErrorClear();
+  VCCalculator calc;
+  EXPECT_FALSE(calc.SetExpression(nullptr));
+  ExpectOnlyError(kCalcErrorSyntax, Text(kCalcErrorSyntax) + "empty expression",
+                  "VCCalculator::SetExpression");
+}
+
+TEST_F(CalculatorSyntax, BadTextNeverReachesTheHost) {
+  TableCalculator calc;
+  calc.AddColumn("A", {1.0});
+  EXPECT_FALSE(calc.SetExpression("#A# + #A# * (2"));
+  EXPECT_EQ(calc.idCalls, 0);
+  EXPECT_EQ(VFErrorGetCode(VFGetUtLibError()), kCalcErrorSyntax);
+}
+
+TEST_F(CalculatorSyntax, DeepNestingIsRefusedNotOverflowed) {
+  const int n = 200000;
+  const std::string texts[] = {
+      std::string(n, '(') + "1" + std::string(n, ')'),
+      std::string(n, '-') + "1",
+      [&] {
+        std::string t;
+        for (int i = 0; i < n; ++i) t += "2^";
+        return t + "2";
+      }(),
+      [&] {
+        std::string t;
+        for (int i = 0; i < n; ++i) t += "abs(";
+        return t + "1" + std::string(n, ')');
+      }(),
+  };
+  for (const std::string& text : texts) {
+    VFErrorClear();
+    VCCalculator calc;
+    EXPECT_FALSE(calc.SetExpression(text.c_str()));
+    ASSERT_EQ(VFErrorGetCount(), 1u);
+    EXPECT_EQ(VFErrorGetCode(VFGetUtLibError()), kCalcErrorTooDeep);
+    EXPECT_EQ(std::string(VFErrorGetMessage(VFGetUtLibError())).rfind(Text(kCalcErrorTooDeep), 0),
+              0u);
+  }
+  // Ordinary depths are fine.
+  EXPECT_EQ(Eval((std::string(60, '(') + "2" + std::string(60, ')') + "^2").c_str()), 4.0);
+}
+
+// Rows that cross several chunks and end in a partial one.
+constexpr size_t kRows = 1500;
+
+void AddTestColumns(TableCalculator& calc) {
+  std::vector<double> a(kRows), b(kRows);
+  for (size_t i = 0; i < kRows; ++i) {
+    a[i] = static_cast<double>(static_cast<int>(i * 7919 % 2001) - 1000) / 8.0;
+    b[i] = static_cast<double>(static_cast<int>(i * 104729 % 997) - 400) / 3.0 + 0.5;
+  }
+  a[17] = kNaN;
+  b[900] = kNaN;
+  calc.AddColumn("A", a);
+  calc.AddColumn("B", b);
+}
+
+bool Same(double x, double y) {
+  return (std::isnan(x) && std::isnan(y)) || x == y;
+}
+
+TEST_F(CalculatorBlock, BlockEvaluationEqualsRowEvaluation) {
+  const char* texts[] = {
+      "#A# * #B# / 1000 + 1",
+      "-#A#^2 + sqrt(abs(#B#)) - min(#A#, #B#, 3) + max(#b#, 0)",
+      "(#A# > #B#) * 2 + (#A# <= #B#) - !#B# + (#A# && #B#) + (#A# || 0) + (#A# != #a#)",
+      "atan2(#A#, #B#) + exp(#B# / 100) + log(abs(#A#) + 1) + log10(abs(#B#)) + mod(#A#, 7)",
+      "floor(#A#) + ceil(#B#) + round(#A# / 3) + pi - e + sin(#A#) * cos(#B#) - tanh(#B#)",
+      "#A# / (#B# + 1e9) - pow(abs(#A#), 0.5) + #B# ^ 2",
+      "10 / #B# - 2 ^ (#A# / 100) + (1000 - #A#) * (0.5 < #B#)",
+      "#B#",
+      "42",
+  };
+  TableCalculator calc;
+  AddTestColumns(calc);
+  for (const char* text : texts) {
+    ASSERT_TRUE(calc.SetExpression(text)) << text;
+    std::vector<double> out(kRows, -1.0);
+    const std::vector<const double*> columns = calc.SlotColumns();
+    size_t failed = 0;
+    ASSERT_TRUE(calc.EvaluateBlock(columns.data(), 0, kRows, out.data(), &failed)) << text;
+    EXPECT_EQ(failed, kRows);
+    for (calc.row = 0; calc.row < kRows; ++calc.row) {
+      double value = 0.0;
+      ASSERT_TRUE(calc.EvaluateExpressionToDouble(&value)) << text << " row " << calc.row;
+      ASSERT_TRUE(Same(value, out[calc.row])) << text << " row " << calc.row;
+    }
+  }
+  EXPECT_EQ(VFErrorGetCount(), 0u);
+}
+
+TEST_F(CalculatorBlock, EvaluatesOnlyTheGivenRange) {
+  TableCalculator calc;
+  AddTestColumns(calc);
+  ASSERT_TRUE(calc.SetExpression("#A# + #B#"));
+  std::vector<double> out(kRows, -7.0);
+  const std::vector<const double*> columns = calc.SlotColumns();
+  ASSERT_TRUE(calc.EvaluateBlock(columns.data(), 700, 1300, out.data()));
+  for (size_t i = 0; i < kRows; ++i) {
+    if (i < 700 || i >= 1300) {
+      ASSERT_EQ(out[i], -7.0) << i;
+    } else {
+      ASSERT_TRUE(Same(out[i], columns[0][i] + columns[1][i])) << i;
+    }
+  }
+  size_t failed = 0;
+  EXPECT_TRUE(calc.EvaluateBlock(columns.data(), 5, 5, out.data(), &failed));
+  EXPECT_EQ(failed, 5u);
+}
+
+TEST_F(CalculatorBlock, ReportsTheFirstFailingRowSoTrapsCanResume) {
+  TableCalculator calc;
+  std::vector<double> a(kRows, 2.0), b(kRows, 4.0), c(kRows, 1.0);
+  b[5] = 0.0;   // division by zero
+  c[3] = 0.0;   // logarithm of zero, earlier in the block though later in the text
+  b[10] = 0.0;  // both: the division comes first in the text
+  c[10] = 0.0;
+  c[1200] = 0.0;  // in a later chunk
+  calc.AddColumn("A", a);
+  calc.AddColumn("B", b);
+  calc.AddColumn("C", c);
+  // The second text computes the divisor and the logarithm's argument into
+  // the very register the operation then overwrites.
+  for (const char* text : {"#A# / #B# + log(#C#)", "#A# / (#B# * 1) + log(#C# * 1)"}) {
+    ASSERT_TRUE(calc.SetExpression(text));
+    const std::vector<const double*> columns = calc.SlotColumns();
+    std::vector<double> out(kRows, 0.0);
+    std::vector<std::pair<size_t, int32_t>> failures;
+    for (size_t begin = 0;;) {
+      VFErrorClear();
+      size_t failed = 0;
+      if (calc.EvaluateBlock(columns.data(), begin, kRows, out.data(), &failed)) break;
+      ASSERT_EQ(VFErrorGetCount(), 1u);
+      EXPECT_STREQ(VFErrorGetLocation(VFGetUtLibError()), "VCCalculator::EvaluateBlock");
+      const int32_t code = VFErrorGetCode(VFGetUtLibError());
+      failures.emplace_back(failed, code);
+      out[failed] = code == kCalcErrorDivideByZero ? -1.0 : -2.0;  // the traps
+      begin = failed + 1;
+    }
+    const std::vector<std::pair<size_t, int32_t>> expected = {{3, kCalcErrorLogOfZero},
+                                                              {5, kCalcErrorDivideByZero},
+                                                              {10, kCalcErrorDivideByZero},
+                                                              {1200, kCalcErrorLogOfZero}};
+    EXPECT_EQ(failures, expected) << text;
+    // Every row matches row-by-row evaluation with the same traps.
+    for (calc.row = 0; calc.row < kRows; ++calc.row) {
+      VFErrorClear();
+      double value = 0.0;
+      if (!calc.EvaluateExpressionToDouble(&value)) {
+        value = VFErrorCheck(kCalcErrorDivideByZero) ? -1.0 : -2.0;
+      }
+      ASSERT_EQ(value, out[calc.row]) << text << " row " << calc.row;
+    }
+  }
+}
+
+TEST_F(CalculatorBlock, MisuseFailsCleanly) {
+  TableCalculator calc;
+  AddTestColumns(calc);
+  double out[4] = {};
+  size_t failed = 99;
+  EXPECT_FALSE(calc.EvaluateBlock(nullptr, 0, 4, out, &failed));
+  ExpectOnlyError(kCalcErrorNoExpression, Text(kCalcErrorNoExpression),
+                  "VCCalculator::EvaluateBlock");
+  EXPECT_EQ(failed, 0u);
+  VFErrorClear();
+  ASSERT_TRUE(calc.SetExpression("#A# + #B#"));
+  const double* columns[] = {calc.Column("A"), nullptr};
+  EXPECT_FALSE(calc.EvaluateBlock(columns, 0, 4, out));
+  ExpectOnlyError(kCalcErrorNoColumn, Text(kCalcErrorNoColumn) + "#B#",
+                  "VCCalculator::EvaluateBlock");
+  // A constant expression needs no columns at all.
+  ASSERT_TRUE(calc.SetExpression("2 * 3"));
+  ASSERT_TRUE(calc.EvaluateBlock(nullptr, 0, 4, out));
+  EXPECT_EQ(out[3], 6.0);
+}
+
+// A host with one function of its own: hyp(x, y...) = sqrt of the sum of squares.
+struct FunctionHost : VCCalculator {
+  bool ExecuteUserFunction(const char* name, const double* args, int32_t argCount,
+                           double* result) override {
+    if (std::string(name) == "zero" && argCount == 0) {
+      *result = 0.0;
+      return true;
+    }
+    if (std::string(name) != "hyp")
+      return VCCalculator::ExecuteUserFunction(name, args, argCount, result);
+    double sum = 0.0;
+    for (int32_t i = 0; i < argCount; ++i) sum += args[i] * args[i];
+    *result = std::sqrt(sum);
+    return true;
+  }
+  bool GetVariable(const char* name, double* value) override {
+    *value = values[std::string(name) == "#A#" ? 0 : 1][row];
+    return true;
+  }
+  std::vector<double> values[2] = {{4.0, 6.0, 0.0}, {1.0, 2.0, 3.0}};
+  size_t row = 0;
+};
+
+TEST_F(CalculatorUserFunctions, HostFunctionsGetEvaluatedArguments) {
+  FunctionHost calc;
+  ASSERT_TRUE(calc.SetExpression("1 + hyp(3, #A#) + zero() + hyp(1 + 1, 2 * #B#, hyp(0, 1))"));
+  double value = 0.0;
+  ASSERT_TRUE(calc.EvaluateExpressionToDouble(&value));
+  EXPECT_DOUBLE_EQ(value, 1.0 + 5.0 + 0.0 + 3.0);
+  // Block evaluation runs them row by row, with the same faults.
+  ASSERT_TRUE(calc.SetExpression("hyp(#A#, hyp(#B#)) / #A#"));
+  const double* columns[] = {calc.values[0].data(), calc.values[1].data()};
+  double out[3] = {};
+  size_t failed = 0;
+  EXPECT_FALSE(calc.EvaluateBlock(columns, 0, 3, out, &failed));
+  EXPECT_EQ(failed, 2u);
+  EXPECT_TRUE(VFErrorCheck(kCalcErrorDivideByZero));
+  EXPECT_DOUBLE_EQ(out[0], std::sqrt(17.0) / 4.0);
+  EXPECT_DOUBLE_EQ(out[1], std::sqrt(40.0) / 6.0);
+}
+
+TEST_F(CalculatorUserFunctions, UnknownFunctionFailsWhenEvaluated) {
+  FunctionHost calc;
+  ASSERT_TRUE(calc.SetExpression("2 * Nope(#A#)"));
+  double value = 0.0;
+  EXPECT_FALSE(calc.EvaluateExpressionToDouble(&value));
+  ExpectOnlyError(kCalcErrorUnknownFunction, Text(kCalcErrorUnknownFunction) + "Nope",
+                  "VCCalculator::ExecuteUserFunction");
+  VFErrorClear();
+  std::string text = "f(";
+  for (int i = 0; i < 33; ++i) text += i ? ",1" : "1";
+  EXPECT_FALSE(calc.SetExpression((text + ")").c_str()));
+  ExpectOnlyError(kCalcErrorArgumentCount,
+                  Text(kCalcErrorArgumentCount) + "f (at most 32 arguments) at position 1",
+                  "VCCalculator::SetExpression");
+}
+
+}  // namespace
