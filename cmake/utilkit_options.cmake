@@ -9,8 +9,10 @@ endif()
 # Warnings for our own code only (third-party headers are included as system headers).
 function(utilkit_warnings target)
   if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow=local
-                           -Wno-unused-parameter)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wno-unused-parameter)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+      target_compile_options(${target} PRIVATE -Wshadow=local)
+    endif()
     if(UTILKIT_WERROR)
       target_compile_options(${target} PRIVATE -Werror)
     endif()
