@@ -5,8 +5,6 @@
 #include <utilkit/xml/dom_document.h>
 #include <utilkit/xml/xml_helper.h>
 
-#include <cassert>
-
 namespace {
 
 // Builds elements in one document; remembers whether the DOM refused any step.
@@ -92,7 +90,6 @@ void WriteItems(Writer& writer, DOM_Element& options, const R5Property& property
 
 bool VFPropertyToDomElement(const R5Property* property, int32_t index, DOM_Element& parent,
                             const VCString& name) {
-  assert(property);
   if (!property || parent.isNull()) return false;
   Writer writer(parent.getOwnerDocument());
   // The description is built apart and appended when complete.
@@ -115,4 +112,9 @@ bool VFPropertyToDomElement(const R5Property* property, int32_t index, DOM_Eleme
     writer.TextChild(editor, "default_value", property->GetValueText());
   }
   return writer.Ok() && !parent.appendChild(description).isNull();
+}
+
+bool VCUXmlHelper::PropertyToDomElement(R5Property* property, int32_t index, DOM_Element& parent,
+                                        const VCString& name) {
+  return VFPropertyToDomElement(property, index, parent, name);
 }

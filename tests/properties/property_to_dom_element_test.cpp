@@ -83,7 +83,18 @@ TEST_F(PropertyToDomTest, ANullParentIsRefused) {
   R5StringProperty note("Note", "");
   DOM_Element none;
   EXPECT_FALSE(VFPropertyToDomElement(&note, 0, none, ""));
+  EXPECT_FALSE(VCUXmlHelper::PropertyToDomElement(nullptr, 0, list, ""));
   EXPECT_EQ(VFErrorGetCount(), 0u);
+}
+
+TEST_F(PropertyToDomTest, TheXmlHelperWritesTheSameElement) {
+  R5StringProperty note("Note", "text");
+  ASSERT_TRUE(VCUXmlHelper::PropertyToDomElement(&note, 1, list, ""));
+  std::string viaHelper = Text();
+  list.removeChild(list.getFirstChild());
+  ASSERT_TRUE(VFPropertyToDomElement(&note, 1, list, ""));
+  EXPECT_EQ(Text(), viaHelper);
+  EXPECT_NE(viaHelper.find("lookup_en=\"Note\""), std::string::npos);
 }
 
 }  // namespace

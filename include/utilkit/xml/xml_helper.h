@@ -48,6 +48,8 @@
 #include <utilkit/xml/data_buffer.h>
 #include <utilkit/xml/dom.h>
 
+class R5Property;
+
 class UTILKIT_API VCUXmlHelper {
  public:
   // Longest text (in bytes) that ParseXml and ParseXmlFromFile accept.
@@ -130,4 +132,10 @@ class UTILKIT_API VCUXmlHelper {
   // when `tag` is neither null nor empty. The stack is only read. Nothing
   // is appended when serialisation fails.
   static void AppendUtlibErrorXmlToBuffer(const char* tag, VCUDataBuffer& buffer);
+
+  // Appends to `parent` a "property" element describing `property` (see
+  // VFPropertyToDomElement in <utilkit/properties/property_to_dom_element.h>
+  // for the layout). False when `property` is null or the DOM refuses.
+  static bool PropertyToDomElement(R5Property* property, int32_t index, DOM_Element& parent,
+                                   const VCString& name);
 };
