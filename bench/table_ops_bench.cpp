@@ -1,0 +1,252 @@
+// The table operations on 1 and 10 million rows of one memory table
+// (Channel Long 0..999, Time Double, Peak Double, Name Text of about 5,000
+// distinct mixed-case values, Flag Short 0/1), each against a hand-written
+// single-threaded loop doing the same work in the same run:
+// - Sort: Name ascending without case, then Time descending (stable),
+//   against std::sort of row positions by the ranks of the upper-cased
+//   names, Time and position;
+// - CompressMax: the row of largest Peak per Channel, against one pass
+//   keeping the best row per channel;
+// - CompressSum: Peak summed per (Channel, Flag) into each group's first
+//   row, against one pass of sums per group;
+// - Computed: "#Peak# * #Time# / 1000 + 1" for every row into a buffer,
+//   against the plain loop.
+// The 10 million row case is the target size; run it with
+//   table_ops_bench --benchmark_filter=/10000000
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include <utilkit/base/dictionary.h>
+#include <utilkit/table/memory_table.h>
+#include <utilkit/table/table_compress.h>
+#include <utilkit/table/table_new_column.h>
+#include <utilkit/table/table_processor.h>
+#include <utilkit/table/table_sort.h>
+
+namespace {
+
+constexpr int32_t kNames = 5000;
+constexpr int32_t kChannels = 1000;
+
+struct Workload {
+  int32_t rows;
+  std::vector<int32_t> channel;
+  std::vector<double> time, peak;
+  std::vector<int16_t> flag;
+  VCUDictionary names;
+  std::vector<VCUDictionaryRef*> name;
+  VCUTableMemory table{"Tests"};
+  VCUTableProcessor processor;
+
+  explicit Workload(int32_t n) : rows(n) {
+    uint64_t seed = 42;
+    auto next = [&seed] {
+      seed = seed * 6364136223846793005u + 1442695040888963407u;
+      return seed >> 11;
+    };
+    std::vector<VCUDictionaryRef*> pool;
+    for (int32_t i = 0; i < kNames; ++i) {
+      std::string text = "Gauge" + std::to_string(next() % 100000);
+      for (char& c : text) {
+        if (next() % 2) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+      }
+      pool.push_back(names.InsertString(text));
+    }
+    channel.resize(n);
+    time.resize(n);
+    peak.resize(n);
+    flag.resize(n);
+    name.resize(n);
+    for (int32_t i = 0; i < n; ++i) {
+      channel[i] = static_cast<int32_t>(next() % kChannels);
+      time[i] = static_cast<double>(next() % 1000000) / 100;
+      peak[i] = static_cast<double>(next() % 1000003) / 7;
+      flag[i] = static_cast<int16_t>(next() % 2);
+      name[i] = pool[next() % kNames];
+    }
+    table.AddCol("Channel", n, channel.data());
+    table.AddCol("Time", n, time.data());
+    table.AddCol("Peak", n, peak.data());
+    table.AddCol("Name", n, name.data(), names);
+    table.AddCol("Flag", n, flag.data());
+    table.SetNumRows(n);
+    processor.AddInputTable(&table);
+    processor.AddOutputColumn("Peak");
+    processor.Process();
+  }
+};
+
+// The workload of `rows` rows; one is kept at a time.
+Workload& Data(int64_t rows) {
+  static std::unique_ptr<Workload> current;
+  if (!current || current->rows != rows) {
+    current.reset();
+    current = std::make_unique<Workload>(static_cast<int32_t>(rows));
+  }
+  return *current;
+}
+
+void AllRows(VCDataArray<int32_t>& rows, int32_t n) {
+  rows.SetSize(n);
+  for (int32_t i = 0; i < n; ++i) rows[i] = i + 1;
+}
+
+void Sort(benchmark::State& state) {
+  Workload& w = Data(state.range(0));
+  VCUTableSort sort;
+  sort.AddColumn("Name", 1, 0);
+  sort.AddColumn("Time", 0, 1);
+  VCDataArray<int32_t> rows;
+  for (auto _ : state) {
+    state.PauseTiming();
+    AllRows(rows, w.rows);
+    state.ResumeTiming();
+    if (!sort.Validate(w.processor.GetInputData()) ||
+        !sort.DoSort(w.processor.GetInputData(), rows)) {
+      state.SkipWithError("sort failed");
+    }
+  }
+}
+
+void SortBaseline(benchmark::State& state) {
+  Workload& w = Data(state.range(0));
+  for (auto _ : state) {
+    std::vector<std::pair<std::string, VCUDictionaryRef*>> distinct;
+    for (auto* r = w.names.GetFirstString(); r; r = w.names.GetNextString(r)) {
+      std::string upper = w.names.GetString(r);
+      for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+      distinct.emplace_back(std::move(upper), r);
+    }
+    std::sort(distinct.begin(), distinct.end());
+    std::unordered_map<VCUDictionaryRef*, int32_t> rankOf;
+    for (size_t i = 0, rank = 0; i < distinct.size(); ++i) {
+      if (i > 0 && distinct[i].first != distinct[i - 1].first) ++rank;
+      rankOf[distinct[i].second] = static_cast<int32_t>(rank);
+    }
+    std::vector<int32_t> rank(w.rows), order(w.rows);
+    for (int32_t i = 0; i < w.rows; ++i) rank[i] = rankOf[w.name[i]], order[i] = i;
+    std::sort(order.begin(), order.end(), [&](int32_t a, int32_t b) {
+      if (rank[a] != rank[b]) return rank[a] < rank[b];
+      if (w.time[a] != w.time[b]) return w.time[a] > w.time[b];
+      return a < b;
+    });
+    benchmark::DoNotOptimize(order.data());
+  }
+}
+
+void RunCompress(benchmark::State& state, VTCompressType type, bool byFlag) {
+  Workload& w = Data(state.range(0));
+  VCUTableCompress compress(0);
+  compress.AddSearchColumn("Channel");
+  if (byFlag) compress.AddSearchColumn("Flag");
+  compress.SetSelectColumn("Peak");
+  compress.SetSelectType(type);
+  VCDataArray<int32_t> rows;
+  for (auto _ : state) {
+    state.PauseTiming();
+    AllRows(rows, w.rows);
+    state.ResumeTiming();
+    if (!compress.Validate(w.processor.GetInputData()) ||
+        !compress.DoCompress(w.processor.GetInputData(), rows)) {
+      state.SkipWithError("compression failed");
+    }
+  }
+}
+
+void CompressMax(benchmark::State& state) {
+  RunCompress(state, VTCompressType::Maximum, false);
+}
+
+void CompressMaxBaseline(benchmark::State& state) {
+  Workload& w = Data(state.range(0));
+  for (auto _ : state) {
+    std::vector<int32_t> best(kChannels, -1);
+    for (int32_t i = 0; i < w.rows; ++i) {
+      int32_t& b = best[w.channel[i]];
+      if (b < 0 || w.peak[i] > w.peak[b]) b = i;
+    }
+    std::sort(best.begin(), best.end());
+    benchmark::DoNotOptimize(best.data());
+  }
+}
+
+void CompressSum(benchmark::State& state) {
+  RunCompress(state, VTCompressType::Sum, true);
+}
+
+void CompressSumBaseline(benchmark::State& state) {
+  Workload& w = Data(state.range(0));
+  for (auto _ : state) {
+    std::vector<int32_t> first(2 * kChannels, -1);
+    std::vector<double> sum(2 * kChannels, 0.0);
+    for (int32_t i = 0; i < w.rows; ++i) {
+      const int32_t g = w.channel[i] * 2 + w.flag[i];
+      if (first[g] < 0) first[g] = i;
+      sum[g] += w.peak[i];
+    }
+    benchmark::DoNotOptimize(sum.data());
+  }
+}
+
+void Computed(benchmark::State& state) {
+  Workload& w = Data(state.range(0));
+  VCUTableNewColumn column;
+  column.SetKeyword("Energy");
+  column.SetExpression("#Peak# * #Time# / 1000 + 1");
+  VCUTableData* data = w.processor.GetInputData();
+  std::vector<double> out(w.rows);
+  std::vector<int32_t> rows(w.rows);
+  for (int32_t i = 0; i < w.rows; ++i) rows[i] = i + 1;
+  if (!column.Validate(data)) state.SkipWithError("validate failed");
+  for (auto _ : state) {
+    if (!column.CalculateValues_D(data, rows.data(), w.rows, out.data())) {
+      state.SkipWithError("calculation failed");
+    }
+  }
+}
+
+void ComputedBaseline(benchmark::State& state) {
+  Workload& w = Data(state.range(0));
+  std::vector<double> out(w.rows);
+  for (auto _ : state) {
+    for (int32_t i = 0; i < w.rows; ++i) out[i] = w.peak[i] * w.time[i] / 1000 + 1;
+    benchmark::DoNotOptimize(out.data());
+  }
+}
+
+}  // namespace
+
+// Every operation and its baseline on 1 million rows, then on 10 million,
+// so that each workload is built once.
+int main(int argc, char** argv) {
+  const std::pair<const char*, void (*)(benchmark::State&)> cases[] = {
+      {"Sort", Sort},
+      {"SortBaseline", SortBaseline},
+      {"CompressMax", CompressMax},
+      {"CompressMaxBaseline", CompressMaxBaseline},
+      {"CompressSum", CompressSum},
+      {"CompressSumBaseline", CompressSumBaseline},
+      {"Computed", Computed},
+      {"ComputedBaseline", ComputedBaseline},
+  };
+  for (int64_t rows : {1000000, 10000000}) {
+    for (const auto& [name, run] : cases) {
+      benchmark::RegisterBenchmark(name, run)
+          ->Arg(rows)
+          ->Unit(benchmark::kMillisecond)
+          ->Iterations(3);
+    }
+  }
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}

@@ -1,0 +1,147 @@
+// Reading merged rows from the input tables, run by run.
+//
+// The merged view and the output view both read cells of a merged column
+// for a range of merged rows. Each run of the row map is read with one call
+// of the input table's reader; a run whose block read fails is read again
+// cell by cell (after taking its errors back), so that callers see exactly
+// the result and the error of a cell-by-cell read.
+#pragma once
+
+#include <algorithm>
+#include <cassert>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "table/processor_state.h"
+#include "table/table_errors.h"
+
+namespace utilkit::table {
+
+// Texts are read through a scratch array in chunks of this many rows.
+inline constexpr int64_t kTextChunk = 4096;
+
+// Cells of a numeric type (or status words), read with `Reader`.
+template <class T, bool (VCUTable::*Reader)(int32_t, int64_t, int64_t, T*)>
+struct NumericCells {
+  using Cell = T;
+  T* out;
+  bool Read(VCUTable& t, int32_t col, int64_t row, int64_t count, int64_t at,
+            VCStringArray&) const {
+    return (t.*Reader)(col, row, count, out + at);
+  }
+  void Fill(int64_t at, int64_t count, T value = T{}) const { std::fill_n(out + at, count, value); }
+};
+
+using CellsS = NumericCells<int16_t, &VCUTable::GetValues_S>;
+using CellsL = NumericCells<int32_t, &VCUTable::GetValues_L>;
+using CellsH = NumericCells<int64_t, &VCUTable::GetValues_H>;
+using CellsF = NumericCells<float, &VCUTable::GetValues_F>;
+using CellsD = NumericCells<double, &VCUTable::GetValues_D>;
+using CellsStatus = NumericCells<uint16_t, &VCUTable::GetStatusValues>;
+
+// Texts, and Enum codes with their names when `names` is not null.
+// `codes` null means a text read.
+struct TextOrEnumCells {
+  VCString* names;
+  int32_t* codes;
+  bool Read(VCUTable& t, int32_t col, int64_t row, int64_t count, int64_t at,
+            VCStringArray& scratch) const {
+    for (int64_t done = 0; done < count; done += kTextChunk) {
+      const int64_t n = std::min(kTextChunk, count - done);
+      const bool ok =
+          codes ? t.GetValues_E(col, row + done, n, codes + at + done, names ? &scratch : nullptr)
+                : t.GetValues_T(col, row + done, n, &scratch);
+      if (!ok) return false;
+      if (names == nullptr) continue;
+      // Swapping keeps the scratch strings' storage for the next chunk.
+      for (int64_t i = 0; i < n && i < scratch.GetSize(); ++i) {
+        std::swap(names[at + done + i], scratch[static_cast<int32_t>(i)]);
+      }
+    }
+    return true;
+  }
+  void Fill(int64_t at, int64_t count) const {
+    if (codes) std::fill_n(codes + at, count, 0);
+    for (int64_t i = 0; names && i < count; ++i) names[at + i].Empty();
+  }
+};
+
+// Reads `count` rows from input table `table`'s row `row` on into `cells`
+// at position `at`.
+template <class Cells>
+bool ReadRun(VCUTableProcessorState& s, const MergedColumn& mc, const char* location, int32_t table,
+             int64_t row, int64_t count, const Cells& cells, int64_t at) {
+  if (static_cast<size_t>(table) >= s.inputs.size() || table >= mc.index.GetSize()) {
+    return Fail(-655975, location);
+  }
+  const int32_t col = mc.index[table];
+  if (col < 0) {
+    cells.Fill(at, count);
+    return true;
+  }
+  if constexpr (std::is_same_v<Cells, CellsStatus>) {
+    if (mc.anyStatus && !mc.hasStatus[table]) {
+      cells.Fill(at, count, kTableStatusValid);
+      return true;
+    }
+  }
+  VCUTable& input = *s.inputs[static_cast<size_t>(table)];
+  const ErrorMark mark;
+  if (cells.Read(input, col, row, count, at, s.scratch)) return true;
+  if (count == 1) return false;
+  mark.Rollback();
+  for (int64_t i = 0; i < count; ++i) {
+    if (!cells.Read(input, col, row + i, 1, at + i, s.scratch)) return false;
+  }
+  return true;
+}
+
+// -655975 unless merged rows first..first+count-1 exist (count >= 0).
+inline bool CheckMergedRows(const VCUTableProcessorState& s, const char* location, int64_t first,
+                            int64_t count) {
+  if (first < 1 || count < 0 || count > s.rowMap.Size() - first + 1) {
+    return Fail(-655975, location);
+  }
+  return true;
+}
+
+// Copies merged rows first..first+count-1 of a writable column's own buffer.
+// The buffers are kept in step with the merged rows; the check guards the
+// copy should that ever fail.
+template <class T>
+bool CopyOwn(const VCUTableProcessorState& s, const char* location, const std::vector<T>& own,
+             int64_t first, int64_t count, T* out) {
+  assert(static_cast<int64_t>(own.size()) == s.rowMap.Size());
+  if (static_cast<int64_t>(own.size()) != s.rowMap.Size()) return Fail(-655975, location);
+  if (count > 0) std::memcpy(out, own.data() + (first - 1), sizeof(T) * count);
+  return true;
+}
+
+// Reads merged rows first..first+count-1 of merged column `col` (an index
+// the caller has checked) into `cells` from position `at` on.
+template <class Cells>
+bool ReadMergedCells(VCUTableProcessorState& s, const char* location, int32_t col, int64_t first,
+                     int64_t count, const Cells& cells, int64_t at = 0) {
+  if (!CheckMergedRows(s, location, first, count)) return false;
+  const MergedColumn& mc = s.merged[static_cast<size_t>(col)];
+  if constexpr (std::is_same_v<Cells, CellsD>) {
+    if (mc.writable) return CopyOwn(s, location, mc.values, first, count, cells.out + at);
+  }
+  if constexpr (std::is_same_v<Cells, CellsStatus>) {
+    if (mc.writable && mc.anyStatus)
+      return CopyOwn(s, location, mc.status, first, count, cells.out + at);
+  }
+  return s.rowMap.ForEachRun(first, count, [&](int32_t table, int64_t row, int64_t n, int64_t off) {
+    return ReadRun(s, mc, location, table, row, n, cells, at + off);
+  });
+}
+
+// Fills the own buffers of Double merged column `col` from the input tables
+// for every merged row and marks it writable; on failure the column is left
+// not writable.
+bool RefillWritable(VCUTableProcessorState& s, int32_t col, const char* location);
+
+}  // namespace utilkit::table

@@ -1,0 +1,70 @@
+// The table processor's state, shared by the processor, its merged view and
+// its output view.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <utilkit/base/vc_array.h>
+#include <utilkit/base/vc_data_array.h>
+#include <utilkit/base/vc_string.h>
+#include <utilkit/base/vc_string_array.h>
+#include <utilkit/table/output_table.h>
+#include <utilkit/table/table.h>
+#include <utilkit/table/table_data.h>
+#include <utilkit/table/table_filter.h>
+
+#include "table/row_map.h"
+
+namespace utilkit::table {
+
+// A merged column: where each input table keeps it.
+struct MergedColumn {
+  VCString keyword;
+  VTTableDataType type = VTTableDataType::None;
+  VCArray<int32_t> index;        // per input table; -1 where absent
+  VCArray<char> hasStatus;       // per input table
+  bool anyStatus = false;        // the merged column has status
+  bool writable = false;         // reads come from the buffers below
+  std::vector<double> values;    // writable: one value per merged row
+  std::vector<uint16_t> status;  // writable with status: one word per merged row
+
+  // The first input table that has the column, or -1.
+  int32_t FirstTable() const {
+    for (int32_t t = 0; t < index.GetSize(); ++t) {
+      if (index[t] >= 0) return t;
+    }
+    return -1;
+  }
+};
+
+// An output column: the merged column it shows, once resolved.
+struct OutputColumn {
+  VCString keyword;
+  int32_t merged = -1;
+};
+
+}  // namespace utilkit::table
+
+struct VCUTableProcessorState {
+  VCUTableProcessorState() : data(this), output(this) {}
+
+  std::vector<VCUTable*> inputs;     // not owned
+  VCUTableFilter* filter = nullptr;  // not owned
+  utilkit::table::RowMap rowMap;
+  bool rowMapGiven = false;
+  VCDataArray<int32_t> outputRows;  // merged row numbers, in output order
+  std::vector<utilkit::table::OutputColumn> outputCols;
+  std::vector<utilkit::table::MergedColumn> merged;
+  int64_t rowLimit = 0;
+  char commonColumns = 1;
+  VCUTableData data;
+  VCUOutputTable output;
+  VCStringArray scratch;  // texts of one run, reused across reads
+
+  // Forgets the merged columns (and so the output columns' resolution).
+  void DropMergedColumns() {
+    merged.clear();
+    for (auto& col : outputCols) col.merged = -1;
+  }
+};

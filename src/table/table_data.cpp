@@ -1,0 +1,211 @@
+#include <utilkit/table/table_data.h>
+
+#include "table/merged_read.h"
+
+using namespace utilkit::table;
+
+namespace {
+
+// The merged column `col`, or null after -655974 at `location`.
+MergedColumn* Column(VCUTableProcessorState& s, int32_t col, const char* location) {
+  if (col < 0 || static_cast<size_t>(col) >= s.merged.size()) {
+    Fail(-655974, location);
+    return nullptr;
+  }
+  return &s.merged[static_cast<size_t>(col)];
+}
+
+template <class Cells>
+bool Read(VCUTableProcessorState& s, const char* location, int32_t col, int64_t first,
+          int64_t count, const Cells& cells) {
+  return Column(s, col, location) && ReadMergedCells(s, location, col, first, count, cells);
+}
+
+// Texts or Enum names into an array resized to `count` once the checks pass.
+bool ReadIntoArray(VCUTableProcessorState& s, const char* location, int32_t col, int64_t first,
+                   int64_t count, int32_t* codes, VCStringArray* names) {
+  if (!Column(s, col, location) || !CheckMergedRows(s, location, first, count)) return false;
+  try {
+    if (names && !names->SetSize(static_cast<int32_t>(count), 10)) return FailMemory(location);
+    return ReadMergedCells(s, location, col, first, count,
+                           TextOrEnumCells{names ? names->GetData() : nullptr, codes});
+  } catch (...) {
+    return FailMemory(location);
+  }
+}
+
+// Asks `get` of the first input table that has merged column `col`; a
+// column no table has (never the case for a merged column) keeps `out` as is.
+template <class Get>
+bool FromFirstTable(VCUTableProcessorState& s, int32_t col, const char* location, Get&& get) {
+  MergedColumn* mc = Column(s, col, location);
+  if (mc == nullptr) return false;
+  const int32_t t = mc->FirstTable();
+  if (t < 0 || static_cast<size_t>(t) >= s.inputs.size()) return true;
+  return get(*s.inputs[static_cast<size_t>(t)], mc->index[t]);
+}
+
+}  // namespace
+
+namespace utilkit::table {
+
+bool RefillWritable(VCUTableProcessorState& s, int32_t col, const char* location) {
+  MergedColumn& mc = s.merged[static_cast<size_t>(col)];
+  const int64_t rows = s.rowMap.Size();
+  mc.writable = false;
+  try {
+    mc.values.assign(static_cast<size_t>(rows), 0.0);
+    mc.status.assign(mc.anyStatus ? static_cast<size_t>(rows) : 0, uint16_t{0});
+  } catch (...) {
+    return FailMemory(location);
+  }
+  if (!ReadMergedCells(s, location, col, 1, rows, CellsD{mc.values.data()}) ||
+      (mc.anyStatus &&
+       !ReadMergedCells(s, location, col, 1, rows, CellsStatus{mc.status.data()}))) {
+    std::vector<double>().swap(mc.values);
+    std::vector<uint16_t>().swap(mc.status);
+    return false;
+  }
+  mc.writable = true;
+  return true;
+}
+
+}  // namespace utilkit::table
+
+VCUTableData::~VCUTableData() = default;
+
+bool VCUTableData::SetColWritable(int32_t col) {
+  static constexpr const char* kLocation = "VCUTableData::SetColWritable";
+  MergedColumn* mc = Column(*m_state, col, kLocation);
+  if (mc == nullptr) return false;
+  if (mc->type != VTTableDataType::Double) return Fail(-656000, kLocation);
+  return mc->writable || RefillWritable(*m_state, col, kLocation);
+}
+
+bool VCUTableData::GetColWritable(int32_t col) const {
+  return col >= 0 && static_cast<size_t>(col) < m_state->merged.size() &&
+         m_state->merged[static_cast<size_t>(col)].writable;
+}
+
+// Stores `value` at merged row `row` of the writable buffer that `pick`
+// chooses (null when the column has no such buffer).
+template <class T, class Pick>
+static bool WriteOwn(VCUTableProcessorState& s, int32_t col, int64_t row, T value,
+                     const char* location, Pick&& pick) {
+  MergedColumn* mc = Column(s, col, location);
+  if (mc == nullptr) return false;
+  std::vector<T>* own = mc->writable ? pick(*mc) : nullptr;
+  if (own == nullptr) return Fail(-656001, location);
+  if (!CheckMergedRows(s, location, row, 1)) return false;
+  (*own)[static_cast<size_t>(row - 1)] = value;
+  return true;
+}
+
+bool VCUTableData::WriteInputColValue(int32_t col, int64_t row, double value) {
+  return WriteOwn(*m_state, col, row, value, "VCUTableData::WriteInputColValue",
+                  [](MergedColumn& mc) { return &mc.values; });
+}
+
+bool VCUTableData::WriteInputColStatusValue(int32_t col, int64_t row, uint16_t status) {
+  return WriteOwn(*m_state, col, row, status, "VCUTableData::WriteInputColStatusValue",
+                  [](MergedColumn& mc) { return mc.anyStatus ? &mc.status : nullptr; });
+}
+
+bool VCUTableData::GetTableName(VCString* name) {
+  *name = "Input";
+  return true;
+}
+
+bool VCUTableData::GetNumCols(int32_t* count) {
+  *count = static_cast<int32_t>(m_state->merged.size());
+  return true;
+}
+
+bool VCUTableData::GetNumRows(int64_t* count) {
+  *count = m_state->rowMap.Size();
+  return true;
+}
+
+bool VCUTableData::GetColKeyword(int32_t col, VCString* keyword) {
+  MergedColumn* mc = Column(*m_state, col, "VCUTableData::GetColKeyword");
+  if (mc != nullptr) *keyword = mc->keyword;
+  return mc != nullptr;
+}
+
+bool VCUTableData::GetColDescription(int32_t col, VCString* description) {
+  return FromFirstTable(
+      *m_state, col, "VCUTableData::GetColDescription",
+      [&](VCUTable& t, int32_t c) { return t.GetColDescription(c, description); });
+}
+
+bool VCUTableData::GetColUnits(int32_t col, VCString* units) {
+  return FromFirstTable(*m_state, col, "VCUTableData::GetColUnits",
+                        [&](VCUTable& t, int32_t c) { return t.GetColUnits(c, units); });
+}
+
+bool VCUTableData::GetColType(int32_t col, VTTableDataType* type) {
+  MergedColumn* mc = Column(*m_state, col, "VCUTableData::GetColType");
+  if (mc != nullptr) *type = mc->type;
+  return mc != nullptr;
+}
+
+bool VCUTableData::GetColHasStatus(int32_t col, char* hasStatus) {
+  MergedColumn* mc = Column(*m_state, col, "VCUTableData::GetColHasStatus");
+  if (mc != nullptr) *hasStatus = mc->anyStatus ? 1 : 0;
+  return mc != nullptr;
+}
+
+bool VCUTableData::GetStatusColBitText(int32_t col, VCStringArray* texts) {
+  return FromFirstTable(*m_state, col, "VCUTableData::GetStatusColBitText",
+                        [&](VCUTable& t, int32_t c) { return t.GetStatusColBitText(c, texts); });
+}
+
+bool VCUTableData::GetEnumColOptions(int32_t col, VCArrayWithSort<int32_t>* codes,
+                                     VCStringArray* names) {
+  return FromFirstTable(
+      *m_state, col, "VCUTableData::GetEnumColOptions",
+      [&](VCUTable& t, int32_t c) { return t.GetEnumColOptions(c, codes, names); });
+}
+
+bool VCUTableData::GetValues_S(int32_t col, int64_t first, int64_t count, int16_t* out) {
+  return Read(*m_state, "VCUTableData::GetValues_S", col, first, count, CellsS{out});
+}
+bool VCUTableData::GetValues_L(int32_t col, int64_t first, int64_t count, int32_t* out) {
+  return Read(*m_state, "VCUTableData::GetValues_L", col, first, count, CellsL{out});
+}
+bool VCUTableData::GetValues_H(int32_t col, int64_t first, int64_t count, int64_t* out) {
+  return Read(*m_state, "VCUTableData::GetValues_H", col, first, count, CellsH{out});
+}
+bool VCUTableData::GetValues_F(int32_t col, int64_t first, int64_t count, float* out) {
+  return Read(*m_state, "VCUTableData::GetValues_F", col, first, count, CellsF{out});
+}
+bool VCUTableData::GetValues_D(int32_t col, int64_t first, int64_t count, double* out) {
+  return Read(*m_state, "VCUTableData::GetValues_D", col, first, count, CellsD{out});
+}
+bool VCUTableData::GetStatusValues(int32_t col, int64_t first, int64_t count, uint16_t* out) {
+  return Read(*m_state, "VCUTableData::GetStatusValues", col, first, count, CellsStatus{out});
+}
+
+bool VCUTableData::GetValues_T(int32_t col, int64_t first, int64_t count, VCString* out) {
+  static constexpr const char* kLocation = "VCUTableData::GetValues_T";
+  try {
+    return Read(*m_state, kLocation, col, first, count, TextOrEnumCells{out, nullptr});
+  } catch (...) {
+    return FailMemory(kLocation);
+  }
+}
+
+bool VCUTableData::GetValues_T(int32_t col, int64_t first, int64_t count, VCStringArray* out) {
+  return ReadIntoArray(*m_state, "VCUTableData::GetValues_T", col, first, count, nullptr, out);
+}
+
+bool VCUTableData::GetValues_E(int32_t col, int64_t first, int64_t count, int32_t* codes,
+                               VCStringArray* names) {
+  return ReadIntoArray(*m_state, "VCUTableData::GetValues_E", col, first, count, codes, names);
+}
+
+bool VCUTableData::GetInputTableIndexForRow(int64_t row, int32_t* index) {
+  if (!CheckMergedRows(*m_state, "VCUTableData::GetInputTableIndexForRow", row, 1)) return false;
+  *index = m_state->rowMap.Find(row).table;
+  return true;
+}

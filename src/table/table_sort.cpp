@@ -1,0 +1,185 @@
+#include <utilkit/table/table_sort.h>
+
+#include <algorithm>
+#include <vector>
+
+#include <utilkit/base/vc_string.h>
+
+#include "table/column_keys.h"
+#include "table/key_order.h"
+#include "table/table_errors.h"
+
+using namespace utilkit::table;
+
+namespace {
+
+constexpr const char* kValidate = "VCUTableSort::Validate";
+constexpr const char* kDoSort = "VCUTableSort::DoSort";
+constexpr const char* kLoad = "VCUTableSort::LoadColumnData";
+
+}  // namespace
+
+// One sort column: its settings and what Validate bound it to.
+struct VCUTableSort_Col {
+  VCString keyword;
+  char ascending = 1;
+  char caseSensitive = 0;
+  int32_t colIndex = -1;
+  VTTableDataType type = VTTableDataType::None;
+};
+
+struct VCUTableSort::Impl {
+  std::vector<VCUTableSort_Col> columns;
+  VCString categoryKeyword;
+  int32_t categoryIndex = -1;
+  int32_t categoryPosition = 0;  // 1-based place among the sort columns
+  int32_t rowsPerCategory = 0;
+
+  // During DoSort only.
+  VCUTable* table = nullptr;
+  const int32_t* rows = nullptr;
+  int64_t count = 0;
+  std::vector<std::vector<uint64_t>> keys;  // per sort column, one key per row
+  ColumnKeys loader;
+};
+
+VCUTableSort::VCUTableSort()
+    : VCUTableOperation(VTTableOperationKind::Sort), m_impl(std::make_unique<Impl>()) {}
+
+VCUTableSort::~VCUTableSort() = default;
+
+bool VCUTableSort::AddColumn(const char* keyword, char ascending, char caseSensitive) {
+  VCUTableSort_Col col;
+  col.keyword = keyword;
+  col.ascending = ascending;
+  col.caseSensitive = caseSensitive;
+  m_impl->columns.push_back(std::move(col));
+  return true;
+}
+
+bool VCUTableSort::ClearColumns() {
+  m_impl->columns.clear();
+  return true;
+}
+
+bool VCUTableSort::SetCategory(const char* keyword, int32_t rowsPerCategory) {
+  m_impl->categoryKeyword = keyword;
+  m_impl->rowsPerCategory = rowsPerCategory;
+  return true;
+}
+
+bool VCUTableSort::Validate(VCUTable* table) {
+  Impl& s = *m_impl;
+  auto bind = [&] {
+    if (s.columns.empty()) return Fail(-655987, kValidate);
+    s.categoryIndex = -1;
+    if (!s.categoryKeyword.IsEmpty() &&
+        !table->GetColIndexFromKeyword(s.categoryKeyword, &s.categoryIndex)) {
+      return false;
+    }
+    s.categoryPosition = 0;
+    for (size_t i = 0; i < s.columns.size(); ++i) {
+      VCUTableSort_Col& col = s.columns[i];
+      if (!table->GetColIndexFromKeyword(col.keyword, &col.colIndex) ||
+          !table->GetColType(col.colIndex, &col.type)) {
+        return false;
+      }
+      if (s.categoryIndex >= 0 && s.categoryPosition == 0 && s.categoryIndex == col.colIndex) {
+        s.categoryPosition = static_cast<int32_t>(i + 1);
+      }
+    }
+    if (s.categoryIndex < 0 || s.categoryPosition != 0) return true;
+    return Fail(-655996, kValidate);
+  };
+  if (bind()) return true;
+  return Fail(-655988, kValidate, nullptr, 1);
+}
+
+bool VCUTableSort::DoSort(VCUTable* table, VCDataArray<int32_t>& rows) {
+  Impl& s = *m_impl;
+  s.table = table;
+  s.rows = rows.GetData();
+  s.count = rows.GetSize();
+  std::vector<int32_t> order;
+  auto run = [&] {
+    try {
+      s.keys.assign(s.columns.size(), {});
+      order.resize(static_cast<size_t>(s.count));
+    } catch (...) {
+      return Fail(-655998, kDoSort);
+    }
+    std::vector<KeyColumn> columns;
+    for (size_t i = 0; i < s.columns.size(); ++i) {
+      if (!LoadColumnData(static_cast<int32_t>(i))) return false;
+      columns.push_back({s.keys[i].data(), s.columns[i].ascending == 0});
+    }
+    if (!KeyOrder(columns, s.count, order.data())) return Fail(-655998, kDoSort);
+    s.keys.clear();
+    for (int32_t& k : order) k = s.rows[k];
+    std::copy(order.begin(), order.end(), rows.GetData());
+    return s.categoryIndex < 0 || DoCategoryTrim(table, rows);
+  };
+  bool ok = false;
+  try {
+    ok = run();
+  } catch (...) {
+    FailMemory(kDoSort);
+  }
+  s.keys.clear();
+  s.loader.Clear();
+  s.table = nullptr;
+  s.rows = nullptr;
+  if (ok) return true;
+  return Fail(-655989, kDoSort, nullptr, 1);
+}
+
+bool VCUTableSort::LoadColumnData(int32_t sortColumn) {
+  Impl& s = *m_impl;
+  const VCUTableSort_Col& col = s.columns[static_cast<size_t>(sortColumn)];
+  std::vector<uint64_t>& keys = s.keys[static_cast<size_t>(sortColumn)];
+  try {
+    keys.resize(static_cast<size_t>(s.count));
+  } catch (...) {
+    return Fail(-655998, kLoad);
+  }
+  if (!s.loader.Bind(s.table, col.colIndex, col.type, ColumnKeys::Mode::Order,
+                     col.caseSensitive == 0) ||
+      !s.loader.Load(s.rows, 0, s.count, keys.data())) {
+    return false;
+  }
+  if (!s.loader.Finish(keys.data(), s.count)) return Fail(-655998, kLoad);
+  s.loader.Clear();
+  return true;
+}
+
+// Keeps the first rowsPerCategory rows (at least one) of each run of sorted
+// rows sharing the values of the sort columns up to the category column.
+bool VCUTableSort::DoCategoryTrim(VCUTable* table, VCDataArray<int32_t>& rows) {
+  Impl& s = *m_impl;
+  const auto keyCount = static_cast<size_t>(s.categoryPosition);
+  std::vector<VCVariant> previous(keyCount), current(keyCount);
+  int32_t* data = rows.GetData();
+  int32_t kept = 0;
+  int32_t inCategory = 0;
+  for (int32_t k = 0; k < rows.GetSize(); ++k) {
+    bool starts = k == 0;
+    for (size_t c = 0; c < keyCount; ++c) {
+      const VCUTableSort_Col& col = s.columns[c];
+      VCVariant& value = current[c];
+      if (!table->GetValue(col.colIndex, data[k], &value, col.type)) return false;
+      if (value.IsString()) value.SetString(value.GetString().MakeUpper());
+      if (!starts && value.Compare(previous[c]) != 0) starts = true;
+    }
+    if (starts) {
+      inCategory = 1;
+      std::swap(previous, current);
+    } else if (inCategory < s.rowsPerCategory) {
+      ++inCategory;
+    } else {
+      continue;
+    }
+    data[kept++] = data[k];
+  }
+  if (!rows.SetSize(kept)) return FailMemory(kDoSort);
+  return true;
+}

@@ -1,0 +1,260 @@
+#include <utilkit/base/dictionary.h>
+#include <utilkit/table/memory_table.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "table/table_test_util.h"
+
+using table_test::Error;
+using table_test::Errors;
+using table_test::MemoryError;
+
+namespace {
+
+class MemoryTableTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    VFErrorClear();
+    const int16_t s[] = {1, 2, 3, 4, 5};
+    const int32_t l[] = {10, 20, 30, 40, 50};
+    table.AddCol("Short", 5, s);
+    table.AddCol("Long", 5, l);
+  }
+  void TearDown() override { VFErrorClear(); }
+
+  // The single error of a failed call, then clears the stack.
+  static Error TakeError() {
+    std::vector<Error> errors = Errors();
+    VFErrorClear();
+    return errors.size() == 1 ? errors[0] : Error{0, "not exactly one error", "", 0};
+  }
+
+  VCUTableMemory table{"Tests"};
+};
+
+TEST_F(MemoryTableTest, BulkReadChecksInOrder) {
+  int16_t s[6] = {};
+  uint16_t status[6] = {};
+  EXPECT_FALSE(table.GetValues_S(2, 1, 1, s));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid column index"));
+  EXPECT_FALSE(table.GetValues_S(-1, 0, -5, s));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid column index"));
+  EXPECT_FALSE(table.GetValues_S(0, 0, 1, s));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid row number"));
+  EXPECT_TRUE(table.GetValues_S(0, 1, 0, s));  // nothing to copy
+  EXPECT_FALSE(table.GetValues_S(0, 6, 0, s));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid row number"));
+  EXPECT_FALSE(table.GetValues_S(0, 4, 3, s));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid number of rows to read"));
+  EXPECT_FALSE(table.GetValues_S(0, 4, -1, s));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid number of rows to read"));
+  // The range is checked before the type.
+  int32_t l[6] = {};
+  EXPECT_FALSE(table.GetValues_L(0, 4, 3, l));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid number of rows to read"));
+  EXPECT_FALSE(table.GetValues_L(0, 1, 1, l));
+  EXPECT_EQ(TakeError(), MemoryError("Column type mismatch"));
+  EXPECT_FALSE(table.GetValues_E(1, 1, 1, l, nullptr));
+  EXPECT_EQ(TakeError(), MemoryError("Column type mismatch"));
+  EXPECT_FALSE(table.GetStatusValues(0, 1, 1, status));
+  EXPECT_EQ(TakeError(), MemoryError("Column has no status data"));
+  ASSERT_TRUE(table.GetValues_S(0, 4, 2, s));
+  EXPECT_EQ(s[0], 4);
+  EXPECT_EQ(s[1], 5);
+  EXPECT_EQ(s[2], 0);  // untouched
+}
+
+TEST_F(MemoryTableTest, ArrayReadersResizeOnlyAfterTheChecks) {
+  const char* t[] = {"a", "b"};
+  table.AddCol("Text", 2, t);
+  VCStringArray out;
+  out.Add("keep");
+  EXPECT_FALSE(table.GetValues_T(2, 2, 2, &out));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid number of rows to read"));
+  ASSERT_EQ(out.GetSize(), 1);
+  ASSERT_TRUE(table.GetValues_T(2, 2, 1, &out));
+  ASSERT_EQ(out.GetSize(), 1);
+  EXPECT_EQ(out[0], "b");
+}
+
+TEST_F(MemoryTableTest, MetadataErrorsNameTheirMember) {
+  VCString text;
+  VTTableDataType type;
+  char has;
+  VCStringArray names;
+  VCArrayWithSort<int32_t> codes;
+  EXPECT_FALSE(table.GetColKeyword(5, &text));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::GetColKeyword"));
+  EXPECT_FALSE(table.GetColDescription(5, &text));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::GetColDescription"));
+  EXPECT_FALSE(table.GetColUnits(5, &text));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::GetColUnits"));
+  EXPECT_FALSE(table.GetColType(5, &type));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::GetColType"));
+  EXPECT_FALSE(table.GetColHasStatus(5, &has));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::GetColHasStatus"));
+  EXPECT_FALSE(table.GetStatusColBitText(5, &names));
+  EXPECT_EQ(TakeError(),
+            MemoryError("Invalid column index", "VCUTableMemory::GetStatusColBitText"));
+  EXPECT_FALSE(table.GetEnumColOptions(5, &codes, &names));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::GetEnumColOptions"));
+  EXPECT_FALSE(table.SetColDescription(5, "d"));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::SetColDescription"));
+  EXPECT_FALSE(table.SetColUnits(-1, "u"));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::SetColUnits"));
+  ASSERT_TRUE(table.SetColDescription(1, "Load"));
+  ASSERT_TRUE(table.SetColUnits(1, "N"));
+  ASSERT_TRUE(table.GetColDescription(1, &text));
+  EXPECT_EQ(text, "Load");
+  ASSERT_TRUE(table.GetColUnits(1, &text));
+  EXPECT_EQ(text, "N");
+}
+
+TEST_F(MemoryTableTest, RowCountIsIndependentOfTheColumns) {
+  int64_t rows = -1;
+  ASSERT_TRUE(table.GetNumRows(&rows));
+  EXPECT_EQ(rows, 0);
+  int32_t l[5];
+  EXPECT_TRUE(table.GetValues_L(1, 1, 5, l));
+  EXPECT_EQ(l[4], 50);
+  table.SetNumRows(7);
+  ASSERT_TRUE(table.GetNumRows(&rows));
+  EXPECT_EQ(rows, 7);
+}
+
+TEST_F(MemoryTableTest, StatusWordsAppendAndUnknownKeywordsAreIgnored) {
+  const uint16_t first[] = {0x8000, 1};
+  const uint16_t second[] = {0x8002};
+  table.SetColStatus("Nothing", 2, first);
+  EXPECT_TRUE(Errors().empty());
+  char has = 1;
+  ASSERT_TRUE(table.GetColHasStatus(0, &has));
+  EXPECT_EQ(has, 0);
+  table.SetColStatus("SHORT", 2, first);
+  table.SetColStatus("short", 1, second);
+  ASSERT_TRUE(table.GetColHasStatus(0, &has));
+  EXPECT_EQ(has, 1);
+  uint16_t status[5] = {9, 9, 9, 9, 9};
+  ASSERT_TRUE(table.GetStatusValues(0, 2, 4, status));  // bounded by the data, not the status
+  EXPECT_EQ(status[0], 1);
+  EXPECT_EQ(status[1], 0x8002);
+  EXPECT_EQ(status[2], 0);  // beyond the status list
+  EXPECT_EQ(status[3], 0);
+  VCStringArray texts;
+  texts.Add("valid");
+  table.SetColStatusBitText("short", texts);
+  table.SetColStatusBitText("nothing", texts);
+  VCStringArray back;
+  ASSERT_TRUE(table.GetStatusColBitText(0, &back));
+  ASSERT_EQ(back.GetSize(), 1);
+  EXPECT_EQ(back[0], "valid");
+}
+
+TEST_F(MemoryTableTest, DuplicateKeywordsActOnTheFirst) {
+  const int16_t s[] = {7};
+  const uint16_t status[] = {0x8000};
+  table.AddCol("long", 1, s);
+  table.SetColStatus("LONG", 1, status);
+  int32_t index = -1;
+  ASSERT_TRUE(table.GetColIndexFromKeyword("Long", &index));
+  EXPECT_EQ(index, 1);
+  char has = 0;
+  ASSERT_TRUE(table.GetColHasStatus(1, &has));
+  EXPECT_EQ(has, 1);
+  ASSERT_TRUE(table.GetColHasStatus(2, &has));
+  EXPECT_EQ(has, 0);
+}
+
+TEST_F(MemoryTableTest, EnumColumns) {
+  const int32_t codes[] = {3, 1, 2};
+  const char* names[] = {"LOW", "off", "high"};
+  const int32_t values[] = {1, 3, 7, 2};
+  table.AddCol("Grade", 3, codes, names, 4, values);
+  VCStringArray nameArray;
+  nameArray.Add("a");
+  nameArray.Add("b");
+  table.AddCol("Other", 2, codes, nameArray, 1, values);
+  int32_t out[4];
+  VCStringArray outNames;
+  ASSERT_TRUE(table.GetValues_E(2, 1, 4, out, &outNames));
+  EXPECT_EQ(std::vector<int32_t>(out, out + 4), (std::vector<int32_t>{1, 3, 7, 2}));
+  ASSERT_EQ(outNames.GetSize(), 4);
+  EXPECT_EQ(outNames[0], "off");
+  EXPECT_EQ(outNames[1], "LOW");
+  EXPECT_EQ(outNames[2], "");  // a code without an option
+  EXPECT_EQ(outNames[3], "high");
+  VCArrayWithSort<int32_t> optionCodes;
+  VCStringArray optionNames;
+  ASSERT_TRUE(table.GetEnumColOptions(2, &optionCodes, &optionNames));
+  EXPECT_EQ(std::vector<int32_t>(optionCodes.begin(), optionCodes.end()),
+            (std::vector<int32_t>{1, 2, 3}));
+  EXPECT_EQ(optionNames[0], "off");
+  EXPECT_EQ(optionNames[2], "LOW");
+  ASSERT_TRUE(table.GetEnumColOptions(3, &optionCodes, &optionNames));
+  EXPECT_EQ(optionNames[0], "b");  // sorted by code: 1 "b", 3 "a"
+  ASSERT_TRUE(table.GetEnumColOptions(0, &optionCodes, &optionNames));
+  EXPECT_EQ(optionCodes.GetSize(), 0);
+}
+
+TEST_F(MemoryTableTest, TextColumnsFromEverySource) {
+  const VCString strings[] = {"s1", "s2"};
+  const char* cstrings[] = {"c1", nullptr};
+  VCStringArray array;
+  array.Add("a1");
+  VCUDictionary pool;
+  VCUDictionaryRef* refs[] = {pool.InsertString("d1"), nullptr, pool.InsertString("d1")};
+  table.AddCol("S", 2, strings);
+  table.AddCol("C", 2, cstrings);
+  table.AddCol("A", array);
+  table.AddCol("D", 3, refs, pool);
+  VCString out[3];
+  ASSERT_TRUE(table.GetValues_T(2, 1, 2, out));
+  EXPECT_EQ(out[1], "s2");
+  ASSERT_TRUE(table.GetValues_T(3, 1, 2, out));
+  EXPECT_EQ(out[0], "c1");
+  EXPECT_EQ(out[1], "");
+  ASSERT_TRUE(table.GetValues_T(4, 1, 1, out));
+  EXPECT_EQ(out[0], "a1");
+  VCStringArray fromPool;
+  ASSERT_TRUE(table.GetValues_T(5, 1, 3, &fromPool));
+  ASSERT_EQ(fromPool.GetSize(), 3);
+  EXPECT_EQ(fromPool[0], "d1");
+  EXPECT_EQ(fromPool[1], "");
+  EXPECT_EQ(fromPool[2], "d1");
+  EXPECT_FALSE(table.GetValues_T(5, 2, 3, &fromPool));  // the length is the references'
+  EXPECT_EQ(TakeError(), MemoryError("Invalid number of rows to read"));
+}
+
+TEST_F(MemoryTableTest, CopiesShareTheColumns) {
+  auto* copy = new VCUTableMemory(table);
+  const double d[] = {1.5};
+  copy->AddCol("Later", 1, d);
+  int32_t cols = 0;
+  ASSERT_TRUE(table.GetNumCols(&cols));
+  EXPECT_EQ(cols, 3);
+  delete copy;  // the source keeps its columns
+  double out = 0;
+  ASSERT_TRUE(table.GetValues_D(2, 1, 1, &out));
+  EXPECT_EQ(out, 1.5);
+  VCUTableMemory other("Other");
+  other = table;
+  VCString name;
+  ASSERT_TRUE(other.GetTableName(&name));
+  EXPECT_EQ(name, "Tests");
+}
+
+TEST_F(MemoryTableTest, AddColWithoutValues) {
+  table.AddCol("Zeros", 2, static_cast<const double*>(nullptr));
+  table.AddCol("None", -4, static_cast<const float*>(nullptr));
+  double d[2] = {1, 1};
+  ASSERT_TRUE(table.GetValues_D(2, 1, 2, d));
+  EXPECT_EQ(d[1], 0.0);
+  float f = 0;
+  EXPECT_FALSE(table.GetValues_F(3, 1, 0, &f));
+  EXPECT_EQ(TakeError(), MemoryError("Invalid row number"));
+}
+
+}  // namespace

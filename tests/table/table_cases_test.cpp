@@ -1,0 +1,169 @@
+// Runs every case of the files under tests/data/table/*.case.
+//
+// A case file holds cases, each opened by "=== title", with sections:
+//   [table NAME] or [table NAME@ROWS]   an input table as CSV (header cells
+//              `name`, `name:type`, `name:status`; see tools/table_csv.h),
+//              whole or with the selected rows; tables are added in order
+//   [job]      one setting a line: "all-columns", "columns: A,B",
+//              "filter: <filter text>" (see tools/table_filter_text.h)
+//   [output]   Process must succeed and the output table, written as CSV,
+//              must be this text ([typed]: with `name:type` headers;
+//              [dump]: what DumpTableToScreen prints)
+//   [failure]  the message of a table that does not load or a filter text
+//              that does not parse
+//   [errors]   the records on the error stack afterwards, one a line:
+//              code | location | message | flag (none: empty)
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <utilkit/base/error_stack.h>
+#include <utilkit/table/memory_table.h>
+#include <utilkit/table/table_processor.h>
+
+#include "csv_table.h"
+#include "table_csv.h"
+#include "table_job.h"
+
+namespace {
+
+struct TableCase {
+  std::string name;  // file stem and title, for the test's name
+  std::vector<std::pair<std::string, std::string>> sections;  // in file order
+
+  const std::string* Find(const std::string& section) const {
+    for (const auto& [title, text] : sections) {
+      if (title == section) return &text;
+    }
+    return nullptr;
+  }
+};
+
+void PrintTo(const TableCase& tableCase, std::ostream* out) {
+  *out << tableCase.name;
+}
+
+// The text without trailing line ends, plus one line end when not empty.
+std::string Block(std::string text) {
+  while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+  return text.empty() ? text : text + "\n";
+}
+
+std::vector<TableCase> LoadCases() {
+  std::vector<TableCase> cases;
+  const std::filesystem::path dir = std::filesystem::path(UTILKIT_TEST_DATA_DIR) / "table";
+  std::vector<std::filesystem::path> files;
+  for (const auto& entry : std::filesystem::directory_iterator(dir)) {
+    if (entry.path().extension() == ".case") files.push_back(entry.path());
+  }
+  std::sort(files.begin(), files.end());
+  for (const auto& file : files) {
+    std::ifstream in(file);
+    std::string line;
+    bool inSection = false;
+    while (std::getline(in, line)) {
+      if (line.rfind("=== ", 0) == 0) {
+        cases.push_back({file.stem().string() + ": " + line.substr(4), {}});
+        inSection = false;
+      } else if (!cases.empty() && line.size() > 2 && line.front() == '[' && line.back() == ']') {
+        cases.back().sections.emplace_back(line.substr(1, line.size() - 2), "");
+        inSection = true;
+      } else if (inSection) {
+        cases.back().sections.back().second += line + "\n";
+      }
+    }
+  }
+  return cases;
+}
+
+std::string ErrorRecords() {
+  std::string out;
+  for (const VCErrorRecord* e = VFGetUtLibError(); e; e = VFErrorGetNextErr(e)) {
+    out += std::to_string(VFErrorGetCode(e)) + " | " + VFErrorGetLocation(e) + " | " +
+           VFErrorGetMessage(e) + " | " + std::to_string(VFErrorGetFlag(e)) + "\n";
+  }
+  return out;
+}
+
+utilkit::tool::TableJob ReadJob(const std::string* text) {
+  utilkit::tool::TableJob job;
+  std::istringstream lines(text ? *text : "");
+  std::string line;
+  while (std::getline(lines, line)) {
+    if (line == "all-columns") job.allColumns = true;
+    if (line.rfind("columns: ", 0) == 0) job.columns = line.substr(9);
+    if (line.rfind("filter: ", 0) == 0) job.filter = line.substr(8);
+  }
+  return job;
+}
+
+class TableCaseTest : public testing::TestWithParam<TableCase> {
+ protected:
+  void SetUp() override { VFErrorClear(); }
+  void TearDown() override { VFErrorClear(); }
+};
+
+TEST_P(TableCaseTest, GivesTheExpectedOutputAndErrors) {
+  const TableCase& c = GetParam();
+  std::vector<std::unique_ptr<VCUTableMemory>> tables;
+  std::vector<utilkit::tool::TableInput> inputs;
+  std::string failure;
+  for (const auto& [title, text] : c.sections) {
+    if (title.rfind("table ", 0) != 0 || !failure.empty()) continue;
+    std::string name;
+    utilkit::tool::TableInput& input = inputs.emplace_back();
+    utilkit::tool::SplitInputArgument(title.substr(6), &name, &input.rows, &input.selected);
+    tables.push_back(std::make_unique<VCUTableMemory>(name.c_str()));
+    input.table = tables.back().get();
+    utilkit::tool::CsvTable csv;
+    if (utilkit::tool::ParseCsv(text, name, &csv, &failure)) {
+      utilkit::tool::CsvToMemoryTable(csv, name, tables.back().get(), &failure);
+    }
+  }
+  VCUTableProcessor processor;
+  std::unique_ptr<VCUTableFilter> filter;
+  const bool processed =
+      failure.empty() &&
+      utilkit::tool::RunTableJob(inputs, ReadJob(c.Find("job")), &processor, &filter, &failure);
+  EXPECT_EQ(Block(failure), c.Find("failure") ? Block(*c.Find("failure")) : "");
+  for (const char* format : {"output", "typed", "dump"}) {
+    const std::string* expected = c.Find(format);
+    if (expected == nullptr) continue;
+    ASSERT_TRUE(processed) << ErrorRecords();
+    std::string actual;
+    if (std::string(format) == "dump") {
+      testing::internal::CaptureStdout();
+      processor.GetOutputTable()->DumpTableToScreen();
+      std::fflush(stdout);
+      actual = testing::internal::GetCapturedStdout();
+    } else {
+      std::ostringstream out;
+      std::string error;
+      EXPECT_TRUE(utilkit::tool::WriteTableCsv(*processor.GetOutputTable(),
+                                               std::string(format) == "typed", out, &error))
+          << error;
+      actual = out.str();
+    }
+    EXPECT_EQ(actual, Block(*expected)) << format;
+  }
+  EXPECT_EQ(ErrorRecords(), c.Find("errors") ? Block(*c.Find("errors")) : "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, TableCaseTest, testing::ValuesIn(LoadCases()),
+                         [](const testing::TestParamInfo<TableCase>& param) {
+                           std::string name = param.param.name;
+                           for (char& c : name) {
+                             if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
+                           }
+                           return name + "_" + std::to_string(param.index);
+                         });
+
+}  // namespace

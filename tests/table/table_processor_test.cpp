@@ -1,0 +1,408 @@
+#include <utilkit/base/preference_system.h>
+#include <utilkit/table/memory_table.h>
+#include <utilkit/table/table_processor.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "table/table_test_util.h"
+
+using table_test::Error;
+using table_test::Errors;
+
+namespace {
+
+constexpr const char* kRowLimit = "/Libraries/utilkit/MaximumTableProcessorRows";
+const Error kSummary{-655963, "Failed to process filtering and sorting on table",
+                     "VCUTableProcessor::Process", 1};
+
+class TableProcessorTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    VFErrorClear();
+    const char* names[] = {"a1", "a2", "a3"};
+    const double force[] = {1, 2, 3};
+    const uint16_t status[] = {0x8000, 0, 0x8000};
+    const int32_t only[] = {7, 8, 9};
+    const int32_t codes[] = {1, 2};
+    const char* options[] = {"low", "high"};
+    const int32_t grade[] = {2, 1, 2};
+    a.AddCol("Name", 3, names);
+    a.AddCol("Force", 3, force);
+    a.SetColStatus("Force", 3, status);
+    a.SetColUnits(1, "kN");
+    a.AddCol("OnlyA", 3, only);
+    a.AddCol("Grade", 2, codes, options, 3, grade);
+    a.SetNumRows(3);
+    const char* bnames[] = {"b1", "b2"};
+    const double bforce[] = {4, 5};
+    const float extra[] = {0.5f, 1.5f};
+    b.AddCol("name", 2, bnames);
+    b.AddCol("FORCE", 2, bforce);
+    b.AddCol("Extra", 2, extra);
+    b.SetNumRows(2);
+  }
+  void TearDown() override {
+    VFErrorClear();
+    VCPreferenceSystem::Remove(kRowLimit);
+  }
+
+  std::vector<std::string> OutputKeywords() {
+    VCUTable* out = processor->GetOutputTable();
+    int32_t cols = 0;
+    EXPECT_TRUE(out->GetNumCols(&cols));
+    std::vector<std::string> keywords;
+    for (int32_t c = 0; c < cols; ++c) {
+      VCString keyword;
+      EXPECT_TRUE(out->GetColKeyword(c, &keyword));
+      keywords.push_back(keyword.str());
+    }
+    return keywords;
+  }
+
+  std::vector<double> OutputDoubles(int32_t col) {
+    VCUTable* out = processor->GetOutputTable();
+    int64_t rows = 0;
+    EXPECT_TRUE(out->GetNumRows(&rows));
+    std::vector<double> values(static_cast<size_t>(rows));
+    EXPECT_TRUE(out->GetValues_D(col, 1, rows, values.data()));
+    return values;
+  }
+
+  VCUTableMemory a{"A"};
+  VCUTableMemory b{"B"};
+  std::unique_ptr<VCUTableProcessor> processor = std::make_unique<VCUTableProcessor>();
+};
+
+TEST_F(TableProcessorTest, MergedRowsFollowTheInputTablesInOrder) {
+  ASSERT_TRUE(processor->AddInputTable(&a));
+  ASSERT_TRUE(processor->AddInputTable(&b));
+  ASSERT_TRUE(processor->AddOutputColumn("force"));
+  ASSERT_TRUE(processor->Process());
+  EXPECT_EQ(OutputDoubles(0), (std::vector<double>{1, 2, 3, 4, 5}));
+  VCUTableData* merged = processor->GetInputData();
+  int64_t rows = 0;
+  ASSERT_TRUE(merged->GetNumRows(&rows));
+  EXPECT_EQ(rows, 5);
+  int32_t index = -1;
+  ASSERT_TRUE(merged->GetInputTableIndexForRow(4, &index));
+  EXPECT_EQ(index, 1);
+  ASSERT_TRUE(merged->GetInputTableIndexForRow(3, &index));
+  EXPECT_EQ(index, 0);
+  ASSERT_TRUE(processor->GetOutputTable()->GetInputTableIndexForRow(5, &index));
+  EXPECT_EQ(index, 1);
+  VCString text;
+  ASSERT_TRUE(merged->GetTableName(&text));
+  EXPECT_EQ(text, "Input");
+  ASSERT_TRUE(processor->GetOutputTable()->GetTableName(&text));
+  EXPECT_EQ(text, "Output");
+  // The output column shows the merged column as the inputs spell it.
+  EXPECT_EQ(OutputKeywords(), (std::vector<std::string>{"Force"}));
+  ASSERT_TRUE(processor->GetOutputTable()->GetColUnits(0, &text));
+  EXPECT_EQ(text, "kN");
+  EXPECT_TRUE(Errors().empty());
+}
+
+TEST_F(TableProcessorTest, CommonColumnsLeaveOutWhatATableLacks) {
+  processor->AddInputTable(&a);
+  processor->AddInputTable(&b);
+  ASSERT_TRUE(processor->AddAllInputColsToOutput(1));
+  ASSERT_TRUE(processor->Process());
+  EXPECT_EQ(OutputKeywords(), (std::vector<std::string>{"Name", "Force"}));
+  EXPECT_TRUE(Errors().empty());  // the missing columns left nothing behind
+}
+
+TEST_F(TableProcessorTest, AllColumnsReadMissingCellsAsEmpty) {
+  processor->AddInputTable(&a);
+  processor->AddInputTable(&b);
+  ASSERT_TRUE(processor->AddAllInputColsToOutput(0));
+  ASSERT_TRUE(processor->Process());
+  EXPECT_EQ(OutputKeywords(),
+            (std::vector<std::string>{"Name", "Force", "OnlyA", "Grade", "Extra"}));
+  VCUTable* out = processor->GetOutputTable();
+  int32_t only[5];
+  ASSERT_TRUE(out->GetValues_L(2, 1, 5, only));
+  EXPECT_EQ(std::vector<int32_t>(only, only + 5), (std::vector<int32_t>{7, 8, 9, 0, 0}));
+  float extra[5];
+  ASSERT_TRUE(out->GetValues_F(4, 1, 5, extra));
+  EXPECT_EQ(std::vector<float>(extra, extra + 5), (std::vector<float>{0, 0, 0, 0.5f, 1.5f}));
+  int32_t grade[5];
+  VCStringArray names;
+  ASSERT_TRUE(out->GetValues_E(3, 2, 4, grade, &names));
+  EXPECT_EQ(std::vector<int32_t>(grade, grade + 4), (std::vector<int32_t>{1, 2, 0, 0}));
+  ASSERT_EQ(names.GetSize(), 4);
+  EXPECT_EQ(names[0], "low");
+  EXPECT_EQ(names[1], "high");
+  EXPECT_EQ(names[3], "");
+  VCString texts[5];
+  ASSERT_TRUE(out->GetValues_T(0, 1, 5, texts));
+  EXPECT_EQ(texts[3], "b1");
+  // Status: rows of a table without status are valid, rows of a table
+  // without the column are not.
+  char has = 0;
+  ASSERT_TRUE(out->GetColHasStatus(1, &has));
+  EXPECT_EQ(has, 1);
+  uint16_t status[5];
+  ASSERT_TRUE(out->GetStatusValues(1, 1, 5, status));
+  EXPECT_EQ(std::vector<uint16_t>(status, status + 5),
+            (std::vector<uint16_t>{0x8000, 0, 0x8000, 0x8000, 0x8000}));
+  ASSERT_TRUE(out->GetColHasStatus(4, &has));
+  EXPECT_EQ(has, 0);
+  EXPECT_FALSE(out->GetStatusValues(4, 4, 1, status));  // the input table's own error
+  EXPECT_EQ(Errors(), (std::vector<Error>{table_test::MemoryError("Column has no status data")}));
+}
+
+TEST_F(TableProcessorTest, AllColumnsRefuseAKeywordOfTwoTypes) {
+  const int32_t force[] = {1};
+  const char* name[] = {"c1"};
+  VCUTableMemory c("C");
+  c.AddCol("Name", 1, name);
+  c.AddCol("Force", 1, force);
+  c.SetNumRows(1);
+  processor->AddInputTable(&a);
+  processor->AddInputTable(&c);
+  processor->AddOutputColumn("Name");
+  ASSERT_TRUE(processor->Process());  // common columns: Force is simply left out
+  processor->AddAllInputColsToOutput(0);
+  EXPECT_FALSE(processor->Process());
+  EXPECT_EQ(Errors(), (std::vector<Error>{{-655969,
+                                           "Columns must be same type in all input tables. "
+                                           "Bad column: Force",
+                                           "VCUTableProcessor::GetColIndeces"},
+                                          kSummary}));
+}
+
+TEST_F(TableProcessorTest, GetColIndeces) {
+  processor->AddInputTable(&a);
+  processor->AddInputTable(&b);
+  VCArray<int32_t> indices;
+  VCArray<char> has;
+  VTTableDataType type;
+  ASSERT_TRUE(processor->GetColIndeces("FORCE", &indices, &has, &type));
+  EXPECT_EQ(std::vector<int32_t>(indices.begin(), indices.end()), (std::vector<int32_t>{1, 1}));
+  EXPECT_EQ(std::vector<char>(has.begin(), has.end()), (std::vector<char>{1, 0}));
+  EXPECT_EQ(type, VTTableDataType::Double);
+  EXPECT_FALSE(processor->GetColIndeces("Extra", &indices, &has, &type));
+  EXPECT_EQ(Errors(), (std::vector<Error>{{-655968, "Column not found: Extra",
+                                           "VCUTable::GetColIndexFromKeyword"}}));
+  VFErrorClear();
+  processor->AddAllInputColsToOutput(0);
+  ASSERT_TRUE(processor->GetColIndeces("Extra", &indices, &has, &type));
+  EXPECT_EQ(std::vector<int32_t>(indices.begin(), indices.end()), (std::vector<int32_t>{-1, 2}));
+  EXPECT_EQ(type, VTTableDataType::Float);
+  EXPECT_FALSE(processor->GetColIndeces("Nope", &indices, &has, &type));
+  EXPECT_EQ(Errors(), (std::vector<Error>{{-655968, "Column not found: Nope",
+                                           "VCUTableProcessor::GetColIndeces"}}));
+}
+
+TEST_F(TableProcessorTest, SelectedRowsKeepTheirOrder) {
+  const int64_t fromA[] = {3, 1};
+  const int64_t fromB[] = {2};
+  ASSERT_TRUE(processor->AddInputTable(&a, fromA, 2));
+  ASSERT_TRUE(processor->AddInputTable(&b, fromB, 1));
+  processor->AddOutputColumn("Force");
+  ASSERT_TRUE(processor->Process());
+  EXPECT_EQ(OutputDoubles(0), (std::vector<double>{3, 1, 5}));
+  int32_t index = -1;
+  ASSERT_TRUE(processor->GetInputData()->GetInputTableIndexForRow(3, &index));
+  EXPECT_EQ(index, 1);
+}
+
+TEST_F(TableProcessorTest, WithSelectedRowsATableAddedWholeAddsNoRows) {
+  const int64_t fromB[] = {2};
+  ASSERT_TRUE(processor->AddInputTable(&a));
+  ASSERT_TRUE(processor->AddInputTable(&b, fromB, 1));
+  processor->AddOutputColumn("Force");
+  ASSERT_TRUE(processor->Process());
+  EXPECT_EQ(OutputDoubles(0), (std::vector<double>{5}));
+  ASSERT_TRUE(processor->ClearInputTables());
+  ASSERT_TRUE(processor->AddInputTable(&a));
+  ASSERT_TRUE(processor->Process());
+  EXPECT_EQ(OutputDoubles(0), (std::vector<double>{1, 2, 3}));
+}
+
+TEST_F(TableProcessorTest, ConfigurationErrors) {
+  EXPECT_FALSE(processor->Process());
+  EXPECT_EQ(Errors(),
+            (std::vector<Error>{{-655971, "No input tables defined", "VCUTableProcessor::Validate"},
+                                kSummary}));
+  VFErrorClear();
+  ASSERT_TRUE(processor->AddInputTable(&a));
+  EXPECT_FALSE(processor->AddInputTable(&a));
+  EXPECT_EQ(Errors(),
+            (std::vector<Error>{{-655961, "Table has already been added to the operation list",
+                                 "VCUTableProcessor::AddInputTable"}}));
+  VFErrorClear();
+  EXPECT_FALSE(processor->RemoveInputTable(&b));
+  EXPECT_EQ(Errors(), (std::vector<Error>{{-655962,
+                                           "Attempt to remove a table from the table processor "
+                                           "which is not defined",
+                                           "VCUTableProcessor::RemoveInputTable"}}));
+  VFErrorClear();
+  EXPECT_FALSE(processor->Validate());
+  EXPECT_EQ(Errors(), (std::vector<Error>{{-655972, "No output columns defined for table",
+                                           "VCUTableProcessor::Validate"}}));
+  VFErrorClear();
+  processor->AddOutputColumn("Name");
+  processor->AddOutputColumn("Nope");
+  EXPECT_FALSE(processor->Process());
+  EXPECT_EQ(Errors(), (std::vector<Error>{
+                          {-655968, "Column not found: Nope", "VCUTable::GetColIndexFromKeyword"},
+                          kSummary}));
+  VFErrorClear();
+  EXPECT_FALSE(processor->RemoveOutputColumn("Other"));
+  EXPECT_EQ(Errors(), (std::vector<Error>{{-655968, "Column not found: Other",
+                                           "VCUTableProcessor::RemoveOutputColumn"}}));
+  VFErrorClear();
+  ASSERT_TRUE(processor->RemoveOutputColumn("NOPE"));
+  EXPECT_TRUE(processor->Process());
+}
+
+TEST_F(TableProcessorTest, SelectedRowsOutOfRange) {
+  const int64_t rows[] = {1, 4};
+  EXPECT_FALSE(processor->AddInputTable(&a, rows, 2));
+  EXPECT_EQ(Errors(),
+            (std::vector<Error>{{-655999, "Out of range row number passed to AddInputTable",
+                                 "VCUTableProcessor::AddInputTable"}}));
+  VFErrorClear();
+  const int64_t zero[] = {0};
+  EXPECT_FALSE(processor->AddInputTable(&b, zero, 1));
+  EXPECT_EQ(Errors()[0].code, -655999);
+}
+
+TEST_F(TableProcessorTest, RowLimitAtTheLimitAndOneOver) {
+  VCPreferenceSystem::SetHugeValue(kRowLimit, 5);
+  processor = std::make_unique<VCUTableProcessor>();
+  processor->AddInputTable(&a);
+  processor->AddInputTable(&b);
+  processor->AddOutputColumn("Name");
+  ASSERT_TRUE(processor->Process());
+  const char* name[] = {"c1"};
+  VCUTableMemory c("C");
+  c.AddCol("Name", 1, name);
+  c.SetNumRows(1);
+  processor->AddInputTable(&c);
+  EXPECT_FALSE(processor->Process());
+  const Error tooMany{-655964,
+                      "Too many table rows to perform sort and filter. You can increase \nthe "
+                      "limit via the preference /Libraries/utilkit/MaximumTableProcessorRows",
+                      "VCUTableProcessor::Process"};
+  EXPECT_EQ(Errors(), (std::vector<Error>{tooMany, kSummary}));
+  VFErrorClear();
+  // Selected rows count against the limit when they are added.
+  processor = std::make_unique<VCUTableProcessor>();
+  const int64_t rows[] = {1, 2, 3, 1, 2};
+  ASSERT_TRUE(processor->AddInputTable(&a, rows, 5));
+  EXPECT_FALSE(processor->AddInputTable(&b, rows, 1));
+  EXPECT_EQ(
+      Errors(),
+      (std::vector<Error>{{tooMany.code, tooMany.message, "VCUTableProcessor::AddInputTable"}}));
+}
+
+// The limit is checked before the rows are: a count just within it gets to
+// the second row (0, out of range), a count one over does not.
+TEST_F(TableProcessorTest, RowLimitDefaultAndCap) {
+  const int64_t rows[] = {1, 0};
+  for (const auto& [preference, limit] :
+       {std::pair<int64_t, int64_t>{-1, 50000000}, {3000000000, 2000000000}}) {
+    if (preference >= 0) VCPreferenceSystem::SetHugeValue(kRowLimit, preference);
+    processor = std::make_unique<VCUTableProcessor>();
+    EXPECT_FALSE(processor->AddInputTable(&a, rows, limit + 1));
+    EXPECT_EQ(Errors().at(0).code, -655964);
+    VFErrorClear();
+    processor = std::make_unique<VCUTableProcessor>();
+    EXPECT_FALSE(processor->AddInputTable(&a, rows, limit));
+    EXPECT_EQ(Errors().at(0).code, -655999);
+    VFErrorClear();
+  }
+}
+
+TEST_F(TableProcessorTest, ViewsCheckColumnsAndRows) {
+  processor->AddInputTable(&a);
+  processor->AddOutputColumn("Force");
+  ASSERT_TRUE(processor->Process());
+  double d[4];
+  VCUTableData* merged = processor->GetInputData();
+  VCUTable* out = processor->GetOutputTable();
+  EXPECT_FALSE(merged->GetValues_D(9, 1, 1, d));
+  EXPECT_FALSE(merged->GetValues_D(1, 3, 2, d));
+  EXPECT_TRUE(merged->GetValues_D(1, 4, 0, d));
+  EXPECT_FALSE(out->GetValues_D(1, 1, 1, d));
+  EXPECT_FALSE(out->GetValues_D(0, 0, 1, d));
+  int32_t index;
+  EXPECT_FALSE(merged->GetInputTableIndexForRow(4, &index));
+  EXPECT_EQ(Errors(),
+            (std::vector<Error>{
+                {-655974, "Column index out of range", "VCUTableData::GetValues_D"},
+                {-655975, "Row number out of range", "VCUTableData::GetValues_D"},
+                {-655974, "Column index out of range", "VCUOutputTable::GetValues_D"},
+                {-655975, "Row number out of range", "VCUOutputTable::GetValues_D"},
+                {-655975, "Row number out of range", "VCUTableData::GetInputTableIndexForRow"}}));
+  VFErrorClear();
+  // Changing the inputs drops the merged columns until the next Process.
+  processor->RemoveInputTable(&a);
+  EXPECT_FALSE(out->GetValues_D(0, 1, 1, d));
+  EXPECT_EQ(Errors()[0].location, "VCUOutputTable::GetValues_D");
+}
+
+TEST_F(TableProcessorTest, BulkReadsReportTheFirstFailingCell) {
+  a.SetNumRows(4);  // one more row than the columns hold
+  processor->AddInputTable(&a);
+  processor->AddInputTable(&b);
+  processor->AddOutputColumn("Force");
+  ASSERT_TRUE(processor->Process());
+  double d[6] = {};
+  EXPECT_FALSE(processor->GetOutputTable()->GetValues_D(0, 1, 6, d));
+  EXPECT_EQ(Errors(), (std::vector<Error>{table_test::MemoryError("Invalid row number")}));
+  EXPECT_EQ(d[2], 3.0);  // the cells before the failing one were read
+}
+
+TEST_F(TableProcessorTest, WritableColumns) {
+  processor->AddInputTable(&a);
+  processor->AddInputTable(&b);
+  processor->AddOutputColumn("Force");
+  ASSERT_TRUE(processor->Process());
+  VCUTableData* merged = processor->GetInputData();
+  EXPECT_FALSE(merged->SetColWritable(0));
+  EXPECT_FALSE(merged->WriteInputColValue(1, 1, 9.0));
+  ASSERT_TRUE(merged->SetColWritable(1));
+  EXPECT_TRUE(merged->GetColWritable(1));
+  ASSERT_TRUE(merged->WriteInputColValue(1, 4, 40.0));
+  ASSERT_TRUE(merged->WriteInputColStatusValue(1, 4, 0x0001));
+  EXPECT_FALSE(merged->WriteInputColValue(1, 6, 1.0));
+  EXPECT_FALSE(merged->WriteInputColValue(7, 1, 1.0));
+  EXPECT_EQ(Errors(),
+            (std::vector<Error>{
+                {-656000, "Invalid type for writable column in VCUTableData",
+                 "VCUTableData::SetColWritable"},
+                {-656001, "Attempt to write to a column that is not writable",
+                 "VCUTableData::WriteInputColValue"},
+                {-655975, "Row number out of range", "VCUTableData::WriteInputColValue"},
+                {-655974, "Column index out of range", "VCUTableData::WriteInputColValue"}}));
+  EXPECT_EQ(OutputDoubles(0), (std::vector<double>{1, 2, 3, 40, 5}));
+  uint16_t status[5];
+  ASSERT_TRUE(processor->GetOutputTable()->GetStatusValues(0, 3, 2, status));
+  EXPECT_EQ(status[0], 0x8000);
+  EXPECT_EQ(status[1], 0x0001);
+  // Processing again refills the column from the inputs.
+  ASSERT_TRUE(processor->Process());
+  EXPECT_EQ(OutputDoubles(0), (std::vector<double>{1, 2, 3, 4, 5}));
+}
+
+TEST_F(TableProcessorTest, WritableColumnWithoutStatusRefusesStatusWrites) {
+  processor->AddInputTable(&b);
+  processor->AddOutputColumn("Force");
+  ASSERT_TRUE(processor->Process());
+  VCUTableData* merged = processor->GetInputData();
+  ASSERT_TRUE(merged->SetColWritable(1));
+  EXPECT_FALSE(merged->WriteInputColStatusValue(1, 1, 0x8000));
+  EXPECT_EQ(Errors(),
+            (std::vector<Error>{{-656001, "Attempt to write to a column that is not writable",
+                                 "VCUTableData::WriteInputColStatusValue"}}));
+}
+
+}  // namespace

@@ -1,0 +1,86 @@
+// Helpers shared by the table tests: the error stack as comparable records
+// and small tables built in one call.
+#pragma once
+
+#include <cstdint>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <utilkit/base/error_stack.h>
+#include <utilkit/table/table.h>
+
+namespace table_test {
+
+struct Error {
+  int32_t code;
+  std::string message;
+  std::string location;
+  int32_t flag = 0;
+
+  friend bool operator==(const Error& a, const Error& b) {
+    return a.code == b.code && a.message == b.message && a.location == b.location &&
+           a.flag == b.flag;
+  }
+  friend std::ostream& operator<<(std::ostream& os, const Error& e) {
+    return os << "{" << e.code << ", \"" << e.message << "\", \"" << e.location << "\", " << e.flag
+              << "}";
+  }
+};
+
+// The records of the error stack, oldest first.
+inline std::vector<Error> Errors() {
+  std::vector<Error> out;
+  for (const VCErrorRecord* r = VFGetUtLibError(); r; r = VFErrorGetNextErr(r)) {
+    out.push_back(
+        {VFErrorGetCode(r), VFErrorGetMessage(r), VFErrorGetLocation(r), VFErrorGetFlag(r)});
+  }
+  return out;
+}
+
+// The error of the memory table (code 1, literal message).
+inline Error MemoryError(const char* message, const char* location = "VCUTableMemory::GetValues") {
+  return {1, message, location, 0};
+}
+
+// A host table of one Double column "Value" that reports a chosen type and
+// implements only the pure readers (not the VCString* text reader).
+class HostTable : public VCUTable {
+ public:
+  explicit HostTable(VTTableDataType type) : m_type(type) {}
+  bool GetTableName(VCString* name) override { return *name = "Host", true; }
+  bool GetNumCols(int32_t* count) override { return *count = 1, true; }
+  bool GetNumRows(int64_t* count) override { return *count = 2, true; }
+  bool GetColKeyword(int32_t, VCString* keyword) override { return *keyword = "Value", true; }
+  bool GetColDescription(int32_t, VCString* text) override { return text->Empty(), true; }
+  bool GetColUnits(int32_t, VCString* text) override { return text->Empty(), true; }
+  bool GetColType(int32_t, VTTableDataType* type) override { return *type = m_type, true; }
+  bool GetColHasStatus(int32_t, char* has) override { return *has = 0, true; }
+  bool GetStatusColBitText(int32_t, VCStringArray*) override { return true; }
+  bool GetEnumColOptions(int32_t, VCArrayWithSort<int32_t>*, VCStringArray*) override {
+    return true;
+  }
+  bool GetValues_S(int32_t, int64_t, int64_t, int16_t*) override { return Refuse(); }
+  bool GetValues_L(int32_t, int64_t, int64_t, int32_t*) override { return Refuse(); }
+  bool GetValues_H(int32_t, int64_t, int64_t, int64_t*) override { return Refuse(); }
+  bool GetValues_F(int32_t, int64_t, int64_t, float*) override { return Refuse(); }
+  bool GetValues_D(int32_t, int64_t first, int64_t count, double* out) override {
+    for (int64_t i = 0; i < count; ++i) out[i] = static_cast<double>(first + i) / 2;
+    return true;
+  }
+  bool GetValues_T(int32_t, int64_t, int64_t, VCStringArray*) override { return Refuse(); }
+  using VCUTable::GetValues_T;
+  bool GetValues_E(int32_t, int64_t, int64_t, int32_t*, VCStringArray*) override {
+    return Refuse();
+  }
+  bool GetStatusValues(int32_t, int64_t, int64_t, uint16_t*) override { return Refuse(); }
+
+ private:
+  static bool Refuse() {
+    VFErrorSet(7, "refused", "HostTable", 0);
+    return false;
+  }
+  VTTableDataType m_type;
+};
+
+}  // namespace table_test

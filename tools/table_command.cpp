@@ -1,0 +1,202 @@
+#include "table_command.h"
+
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#if defined(_WIN32)
+#include <io.h>
+#define UTILKIT_ISATTY(f) _isatty(_fileno(f))
+#else
+#include <unistd.h>
+#define UTILKIT_ISATTY(f) isatty(fileno(f))
+#endif
+
+#include <utilkit/base/error_stack.h>
+#include <utilkit/table/memory_table.h>
+#include <utilkit/table/table_processor.h>
+
+#include "csv_table.h"
+#include "table_csv.h"
+#include "table_job.h"
+
+namespace {
+
+using utilkit::tool::CsvTable;
+
+constexpr const char* kFooter = R"(Input files:
+  The first line names the columns. `name:type` declares a column's type
+  (short, long, huge, float, double, text, enum); `name:enum(1=low|2=high)`
+  lists an Enum column's options (cells are option names or codes); a
+  column headed `name:status` holds the status words of column `name`
+  (0x8000 marks a cell valid). Undeclared columns are long, huge, double or
+  text, whichever fits every cell; an empty double cell is NaN.
+  FILE@ROWS takes only the listed rows of FILE, in the order given, e.g.
+  tests_a.csv@5,1-3 (rows count from 1, the header excluded).
+Merging:
+  The rows of all files follow one another in the order given. By default
+  the columns are those every file has with one type; --all-columns takes
+  every column of any file (a cell a file lacks reads 0, empty, or status 0).
+Filter:
+  <column> <op> <value> [CASE]   op: = == != <> < <= > >= CONTAINS STARTSWITH ENDSWITH
+  <column> IS VALID | <column> IS INVALID
+  NOT x, !x     x AND y, x && y     x OR y, x || y     ( ... )
+  AND binds tighter than OR. Texts compare ignoring case unless CASE follows
+  the value. Values are numbers, 'text', "text" or bare words; an Enum
+  column compares with an option name or a code. Column names with spaces
+  go in [brackets]. CONTAINS, STARTSWITH and ENDSWITH need a text column.
+Examples:
+  utilkit table examples/tests_a.csv examples/tests_b.csv
+  utilkit table -f "Peak > 10 AND NOT Grade = low" -c Test,Peak examples/tests_*.csv
+  utilkit table --all-columns --format dump examples/tests_a.csv examples/tests_b.csv)";
+
+// Files at least this large get a progress line (when it can be seen).
+constexpr int64_t kProgressBytes = 1 << 20;
+
+struct TableOptions {
+  std::vector<std::string> inputs;
+  utilkit::tool::TableJob job;
+  std::string output;
+  std::string format = "csv";
+  bool types = false;
+};
+
+// A progress line on standard error, shown only when it is a terminal.
+class Progress {
+ public:
+  explicit Progress(bool wanted) : m_on(wanted && UTILKIT_ISATTY(stderr)) {}
+  ~Progress() { Done(); }
+  void Show(const std::string& text) {
+    if (!m_on) return;
+    std::fprintf(stderr, "\r%s\x1b[K", text.c_str());
+    m_shown = true;
+  }
+  void Done() {
+    if (m_shown) std::fputs("\r\x1b[K", stderr);
+    m_shown = false;
+  }
+
+ private:
+  bool m_on;
+  bool m_shown = false;
+};
+
+int Fail(const std::string& message) {
+  std::fprintf(stderr, "utilkit table: %s\n", message.c_str());
+  return 1;
+}
+
+int FailWithErrors() {
+  for (const VCErrorRecord* e = VFGetUtLibError(); e; e = VFErrorGetNextErr(e)) {
+    std::fprintf(stderr, "utilkit table: %s (error %d in %s)\n", VFErrorGetMessage(e),
+                 VFErrorGetCode(e), VFErrorGetLocation(e));
+  }
+  VFErrorClear();
+  return 1;
+}
+
+// Reads a CSV file, showing how far it has got when it is large.
+bool ReadInput(const std::string& path, CsvTable* csv, std::string* error) {
+  std::ifstream file(path, std::ios::binary | std::ios::ate);
+  if (!file) {
+    *error = path + ": cannot be read";
+    return false;
+  }
+  const int64_t size = static_cast<int64_t>(file.tellg());
+  file.seekg(0);
+  Progress progress(size >= kProgressBytes);
+  std::string text(static_cast<size_t>(size), '\0');
+  constexpr int64_t kChunk = 4 << 20;
+  for (int64_t done = 0; done < size; done += kChunk) {
+    progress.Show("Reading " + path + ": " + std::to_string(done * 100 / size) + "%");
+    file.read(text.data() + done, std::min(kChunk, size - done));
+    if (!file) {
+      *error = path + ": cannot be read";
+      return false;
+    }
+  }
+  progress.Show("Parsing " + path);
+  return utilkit::tool::ParseCsv(text, path, csv, error);
+}
+
+// Loads one input into `table`: its rows, and the selected rows if any.
+bool LoadInput(const std::string& argument, VCUTableMemory* table, std::vector<int64_t>* rows,
+               bool* selected, std::string* error) {
+  std::string path;
+  utilkit::tool::SplitInputArgument(argument, &path, rows, selected);
+  CsvTable csv;
+  if (!ReadInput(path, &csv, error)) return false;
+  Progress progress(csv.rows.size() * csv.header.size() >= static_cast<size_t>(kProgressBytes));
+  return utilkit::tool::CsvToMemoryTable(csv, path, table, error, [&](size_t done, size_t total) {
+    progress.Show("Converting " + path + ": column " + std::to_string(done) + " of " +
+                  std::to_string(total));
+  });
+}
+
+int Write(VCUTable& table, const TableOptions& options) {
+  if (options.format == "dump") {
+    if (options.output.empty()) {
+      table.DumpTableToScreen();
+      return 0;
+    }
+    return table.DumpTableToFile(options.output.c_str()) ? 0 : FailWithErrors();
+  }
+  std::ofstream file;
+  if (!options.output.empty()) {
+    file.open(options.output, std::ios::binary);
+    if (!file) return Fail(options.output + ": cannot be written");
+  }
+  std::ostream& out = options.output.empty() ? std::cout : file;
+  std::string error;
+  if (!utilkit::tool::WriteTableCsv(table, options.types, out, &error)) return Fail(error);
+  out.flush();
+  return out ? 0 : Fail("writing the result failed");
+}
+
+int RunTable(const TableOptions& options) {
+  VFErrorClear();
+  std::vector<std::unique_ptr<VCUTableMemory>> tables;
+  std::vector<utilkit::tool::TableInput> inputs;
+  for (const std::string& argument : options.inputs) {
+    tables.push_back(std::make_unique<VCUTableMemory>(argument.c_str()));
+    utilkit::tool::TableInput& input = inputs.emplace_back();
+    input.table = tables.back().get();
+    std::string error;
+    if (!LoadInput(argument, tables.back().get(), &input.rows, &input.selected, &error)) {
+      return Fail(error);
+    }
+  }
+  VCUTableProcessor processor;
+  std::unique_ptr<VCUTableFilter> filter;
+  std::string error;
+  if (!utilkit::tool::RunTableJob(inputs, options.job, &processor, &filter, &error)) {
+    return error.empty() ? FailWithErrors() : Fail(error);
+  }
+  return Write(*processor.GetOutputTable(), options);
+}
+
+}  // namespace
+
+void AddTableCommand(CLI::App& app) {
+  auto options = std::make_shared<TableOptions>();
+  CLI::App* table = app.add_subcommand(
+      "table", "Merge CSV files, filter their rows and write the chosen columns");
+  table->add_option("files", options->inputs, "CSV files, each FILE or FILE@ROWS")->required();
+  table->add_option("--columns,-c", options->job.columns,
+                    "Output columns, comma-separated (default: every merged column)");
+  table->add_flag("--all-columns,-a", options->job.allColumns,
+                  "Merge every column of any file, not only the common ones");
+  table->add_option("--filter,-f", options->job.filter, "Keep the rows that pass this filter");
+  table->add_option("--output,-o", options->output, "Write here instead of standard output");
+  table->add_option("--format", options->format, "csv or dump (the table dump format)")
+      ->check(CLI::IsMember({"csv", "dump"}))
+      ->capture_default_str();
+  table->add_flag("--types", options->types, "Write `name:type` headers that read back alike");
+  table->footer(kFooter);
+  table->callback([options] {
+    if (const int status = RunTable(*options); status != 0) throw CLI::RuntimeError(status);
+  });
+}
