@@ -1,15 +1,17 @@
 # One-word commands over the CMake presets. `make help` lists them.
+SHELL := /bin/bash
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 EXAMPLE ?= examples/signals.csv
 
-.PHONY: help deps run build dev test check windows bench format format-check install clean
+.PHONY: help deps run build dev test check windows fuzz bench format format-check install clean
 
 help:
 	@echo "make run           build (Release) and run the utilkit tool on the example data"
 	@echo "make test          build with sanitizers, run all tests, warnings and format checks"
 	@echo "make build         Release build of the library, tool and benchmarks"
 	@echo "make windows       cross-build for 64-bit Windows and run its tests under Wine"
+	@echo "make fuzz          build the libFuzzer targets (clang) and run each FUZZ_SECONDS"
 	@echo "make bench         run the benchmarks (Release)"
 	@echo "make install       install into PREFIX (default /usr/local)"
 	@echo "make format        reformat the sources with clang-format"
@@ -39,7 +41,22 @@ windows: deps
 	cmake --build --preset windows -j $(JOBS)
 	ctest --preset windows
 
-test: check build windows format-check
+FUZZ_SECONDS ?= 20
+FUZZERS = xml_fuzz:xml props_fuzz:props tree_ops_fuzz:tree
+
+fuzz: deps
+	cmake -S fuzz -B build/fuzz -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build build/fuzz -j $(JOBS)
+	@for f in $(FUZZERS); do \
+	  name=$${f%%:*}; seeds=fuzz/corpus/$${f##*:}; \
+	  mkdir -p build/fuzz/corpus-$$name; \
+	  echo "== $$name ($(FUZZ_SECONDS) s)"; \
+	  build/fuzz/$$name -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 \
+	    build/fuzz/corpus-$$name $$seeds 2>&1 | grep -E 'stat::number_of_executed_units|ERROR|SUMMARY' ; \
+	  test $${PIPESTATUS[0]} -eq 0 || exit 1; \
+	done
+
+test: check build windows fuzz format-check
 
 bench: build
 	@for b in build/release/bench/*_bench; do echo "== $$b"; $$b; done

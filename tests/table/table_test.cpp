@@ -163,9 +163,11 @@ TEST_F(TableTest, DumpTableToScreenStopsAtTheFirstFailure) {
 TEST_F(TableTest, DumpTableToFile) {
   const auto path = std::filesystem::path(testing::TempDir()) / "table_dump.txt";
   ASSERT_TRUE(table.DumpTableToFile(path.string().c_str()));
-  std::ifstream in(path, std::ios::binary);
   std::stringstream content;
-  content << in.rdbuf();
+  {
+    std::ifstream in(path, std::ios::binary);
+    content << in.rdbuf();
+  }
   EXPECT_EQ(content.str(),
             "No of rows: 2, No of cols: 7\n"
             "Row,Short,Long,Huge,Float,ElementId,Text,Grade\n"
@@ -175,7 +177,8 @@ TEST_F(TableTest, DumpTableToFile) {
   EXPECT_FALSE(table.DumpTableToFile(path.string().c_str()));
   VFErrorClear();
   EXPECT_FALSE(table.DumpTableToFile((path / "no" / "such" / "dir").string().c_str()));
-  std::filesystem::remove(path);
+  std::error_code ignored;
+  std::filesystem::remove(path, ignored);
 }
 
 }  // namespace

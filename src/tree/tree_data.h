@@ -1,0 +1,29 @@
+// The private block of VCUTree, shared by the files that implement it.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <utilkit/tree/tree.h>
+
+#include "tree/tree_sort_keys.h"
+
+struct VCUTree::Data {
+  // The root being built by the running Process; never owned.
+  VCUTreeResultNode* resultRoot = nullptr;
+  bool recurse = false;
+  VCArray<VCUTreeGroupDefBase*> grouping{10};  // owned, outermost level first
+  VCUTreeFilterDefBase* filter = nullptr;      // owned
+  VCArray<VCUTreeSortDefBase*> sorting{10};    // owned, most significant first
+
+  // Scratch of SortChildren, reused from one child list to the next.
+  VCTreeSortKeys sortKeys;
+  std::vector<int32_t> sortOrder;
+  VCArray<VCUTreeNodeBase*> sortedChildren;
+
+  void ReleaseScratch() {
+    sortKeys.Release();
+    std::vector<int32_t>().swap(sortOrder);
+    sortedChildren.RemoveAll();
+  }
+};

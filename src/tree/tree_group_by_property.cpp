@@ -1,0 +1,44 @@
+#include <utilkit/tree/tree_group_by_property.h>
+
+namespace {
+constexpr int32_t kGroupByPropertyType = 1;
+}
+
+struct VCUTreeGroupByProperty::Data {
+  VCString propName;
+};
+
+VCUTreeGroupByProperty::VCUTreeGroupByProperty() : VCUTreeGroupByProperty("") {}
+
+VCUTreeGroupByProperty::VCUTreeGroupByProperty(const char* propName)
+    : VCUTreeGroupDefBase(kGroupByPropertyType), m_pData(new Data{propName}) {}
+
+VCUTreeGroupByProperty::VCUTreeGroupByProperty(const VCUTreeGroupByProperty& other)
+    : VCUTreeGroupDefBase(other), m_pData(new Data(*other.m_pData)) {}
+
+VCUTreeGroupByProperty& VCUTreeGroupByProperty::operator=(const VCUTreeGroupByProperty& other) {
+  VCUTreeGroupDefBase::operator=(other);
+  *m_pData = *other.m_pData;
+  return *this;
+}
+
+VCUTreeGroupByProperty::~VCUTreeGroupByProperty() {
+  delete m_pData;
+}
+
+VCString VCUTreeGroupByProperty::GetCategoryIdForData(VCUTreeSourceNode* dataObject) {
+  const VCVariant value = dataObject->GetPropertyValue(m_pData->propName);
+  return value.IsNull() ? VCString() : value.GetString();
+}
+
+VCString VCUTreeGroupByProperty::GetCategoryDescription(const char* id) {
+  return m_pData->propName + "=" + id;
+}
+
+VCString VCUTreeGroupByProperty::GetPropName() const {
+  return m_pData->propName;
+}
+
+void VCUTreeGroupByProperty::SetPropName(const char* propName) {
+  m_pData->propName = propName;
+}

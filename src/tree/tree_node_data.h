@@ -1,0 +1,80 @@
+// The private block of VCUTreeNodeBase, and the library's own access to it.
+//
+// Every node of a result tree carries one, so it is kept small: the child
+// list is a bare array, and the node's kind (set only by the constructors of
+// the library's node classes, unlike the host-settable type number) lets the
+// library tell source and result nodes apart without a dynamic_cast.
+#pragma once
+
+#include <cstdint>
+
+#include <utilkit/tree/tree_node_base.h>
+#include <utilkit/tree/tree_result_node.h>
+#include <utilkit/tree/tree_source_node.h>
+
+#include "tree/tree_prefetch.h"
+
+// The ordered child list of a node.
+class VCTreeChildList {
+ public:
+  VCTreeChildList() = default;
+  VCTreeChildList(const VCTreeChildList&) = delete;
+  VCTreeChildList& operator=(const VCTreeChildList&) = delete;
+  ~VCTreeChildList() { delete[] m_items; }
+
+  int32_t Size() const { return static_cast<int32_t>(m_size); }
+  VCUTreeNodeBase* operator[](int32_t index) const { return m_items[index]; }
+  VCUTreeNodeBase* const* begin() const { return m_items; }
+  VCUTreeNodeBase* const* end() const { return m_items + m_size; }
+
+  // Appends `node`; throws std::bad_alloc (list unchanged) when memory runs out.
+  void Append(VCUTreeNodeBase* node);
+  // Removes the first entry equal to `node`; false when there is none.
+  bool Remove(VCUTreeNodeBase* node);
+  // Replaces the list by `count` nodes; throws std::bad_alloc (list unchanged).
+  void Assign(VCUTreeNodeBase* const* nodes, int32_t count);
+
+ private:
+  void Reserve(uint32_t capacity);
+
+  VCUTreeNodeBase** m_items = nullptr;
+  uint32_t m_size = 0;
+  uint32_t m_capacity = 0;
+};
+
+// Which of the library's node classes built a node.
+enum class VCTreeNodeKind : uint8_t { kBase, kSource, kResult };
+
+struct VCUTreeNodeBase::Data {
+  VCUTreeNodeBase* parent = nullptr;
+  VCTreeChildList children;
+  int32_t nodeType = 0;
+  VCTreeNodeKind kind = VCTreeNodeKind::kBase;
+};
+
+// The library's access to a node's private block.
+struct VCTreeNodeAccess {
+  static VCUTreeNodeBase::Data& Of(const VCUTreeNodeBase* node) { return *node->m_pData; }
+  static void SetKind(VCUTreeNodeBase* node, VCTreeNodeKind kind) { Of(node).kind = kind; }
+  // The node as a source / result node, or null when it is not one.
+  static VCUTreeSourceNode* AsSource(VCUTreeNodeBase* node) {
+    return Of(node).kind == VCTreeNodeKind::kSource ? static_cast<VCUTreeSourceNode*>(node)
+                                                    : nullptr;
+  }
+  static VCUTreeResultNode* AsResult(VCUTreeNodeBase* node) {
+    return Of(node).kind == VCTreeNodeKind::kResult ? static_cast<VCUTreeResultNode*>(node)
+                                                    : nullptr;
+  }
+  // To be called whenever a child leaves the list of `node` or the list is
+  // reordered: a result node then drops the index of its child categories
+  // (appends keep it valid; the new category adds itself).
+  static void ChildListChanged(VCUTreeNodeBase* node);
+  // For a walk over `children` now at `index`: starts loading the node a few
+  // places on, and the private block of the one that follows sooner (whose
+  // node was requested a few steps before).
+  static void PrefetchAhead(const VCTreeChildList& children, int32_t index) {
+    constexpr int32_t kFar = 8, kNear = 4;
+    if (index + kFar < children.Size()) VFTreePrefetch(children[index + kFar]);
+    if (index + kNear < children.Size()) VFTreePrefetch(children[index + kNear]->m_pData);
+  }
+};

@@ -1,0 +1,299 @@
+#include <utilkit/tree/tree_errors.h>
+#include <utilkit/tree/tree_result_node.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string_view>
+#include <vector>
+
+#include <utilkit/tree/tree_group_def_base.h>
+
+#include "tree/category_index.h"
+#include "tree/shell_sort.h"
+#include "tree/tree_node_data.h"
+#include "tree/tree_report.h"
+
+namespace {
+
+constexpr int32_t kResultNodeType = 2;
+
+// The first eight bytes of `id`, big-endian, zero-padded: comparing two of
+// them orders ids as their first eight bytes do.
+uint64_t SortPrefix(std::string_view id) {
+  unsigned char bytes[8] = {};
+  std::memcpy(bytes, id.data(), std::min<size_t>(id.size(), 8));
+  uint64_t prefix = 0;
+  for (unsigned char byte : bytes) prefix = (prefix << 8) | byte;
+  return prefix;
+}
+
+}  // namespace
+
+// What only some result nodes need: the label of a category, and the index
+// of its child categories (the root and categories have children that are
+// categories).
+struct VCUTreeResultNode::Extra {
+  VCString id;
+  VCString description;
+  VCTreeCategoryIndex index;
+};
+
+struct VCUTreeResultNode::Data {
+  VCUTreeSourceNode* dataObject = nullptr;
+  Extra* extra = nullptr;  // owned; part of this block when `extraInBlock`
+  bool childrenFromDataObject = false;
+  bool extraInBlock = false;
+};
+
+// A category's block: its label comes in the same allocation.
+struct VCUTreeResultNode::CategoryData : Data {
+  Extra label;
+};
+
+VCUTreeResultNode::Data* VCUTreeResultNode::NewData(const char* id, const char* description) {
+  if ((!id || !*id) && (!description || !*description)) return new Data;
+  auto* data = new CategoryData;
+  data->label.id = id;
+  data->label.description = description;
+  data->extra = &data->label;
+  data->extraInBlock = true;
+  return data;
+}
+
+VCUTreeResultNode::VCUTreeResultNode() : VCUTreeResultNode(nullptr, nullptr) {}
+
+VCUTreeResultNode::VCUTreeResultNode(VCUTreeResultNode* parent, VCUTreeSourceNode* dataObject)
+    : VCUTreeNodeBase(kResultNodeType, parent), m_pData(NewData(nullptr, nullptr)) {
+  VCTreeNodeAccess::SetKind(this, VCTreeNodeKind::kResult);
+  m_pData->dataObject = dataObject;
+}
+
+VCUTreeResultNode::VCUTreeResultNode(VCUTreeResultNode* parent, const char* id,
+                                     const char* description)
+    : VCUTreeNodeBase(kResultNodeType, parent), m_pData(NewData(id, description)) {
+  VCTreeNodeAccess::SetKind(this, VCTreeNodeKind::kResult);
+  // The parent's index, when it has a current one, learns of the new category.
+  if (!parent || IdView().empty() || !parent->m_pData->extra) return;
+  VCTreeCategoryIndex& index = parent->m_pData->extra->index;
+  if (!index.IsBuilt()) return;
+  try {
+    index.Add(IdView(), this, &m_pData->extra->index);
+  } catch (const std::bad_alloc&) {
+    index.Invalidate();  // rebuilt at the next lookup
+  }
+}
+
+void VCTreeNodeAccess::ChildListChanged(VCUTreeNodeBase* node) {
+  VCUTreeResultNode* result = AsResult(node);
+  if (result && result->m_pData->extra) result->m_pData->extra->index.Invalidate();
+}
+
+VCUTreeResultNode::VCUTreeResultNode(const VCUTreeResultNode& other)
+    : VCUTreeNodeBase(other),
+      m_pData(NewData(other.GetId(), other.GetDescription())) {
+  VCTreeNodeAccess::SetKind(this, VCTreeNodeKind::kResult);
+  m_pData->dataObject = other.m_pData->dataObject;
+  m_pData->childrenFromDataObject = other.m_pData->childrenFromDataObject;
+}
+
+VCUTreeResultNode& VCUTreeResultNode::operator=(const VCUTreeResultNode& other) {
+  if (this == &other) return *this;
+  VCUTreeNodeBase::operator=(other);
+  CopyOwnData(other);
+  // The parent's index may hold the old id.
+  if (VCUTreeNodeBase* parent = GetParent()) VCTreeNodeAccess::ChildListChanged(parent);
+  return *this;
+}
+
+VCUTreeResultNode::~VCUTreeResultNode() {
+  if (m_pData->extraInBlock) {
+    delete static_cast<CategoryData*>(m_pData);
+  } else {
+    delete m_pData->extra;
+    delete m_pData;
+  }
+}
+
+void VCUTreeResultNode::CopyOwnData(const VCUTreeResultNode& other) {
+  const Extra* from = other.m_pData->extra;
+  if (from && !m_pData->extra) m_pData->extra = new Extra;  // before anything changes
+  m_pData->dataObject = other.m_pData->dataObject;
+  m_pData->childrenFromDataObject = other.m_pData->childrenFromDataObject;
+  if (!m_pData->extra) return;
+  m_pData->extra->id = from ? from->id : VCString();
+  m_pData->extra->description = from ? from->description : VCString();
+  m_pData->extra->index.Invalidate();  // rebuilt from this node's children when next needed
+}
+
+std::string_view VCUTreeResultNode::IdView() const {
+  return m_pData->extra ? m_pData->extra->id.view() : std::string_view();
+}
+
+int VCUTreeResultNode::GetChildren(VCArray<VCUTreeNodeBase*>* out) {
+  if (m_pData->childrenFromDataObject) {
+    if (m_pData->dataObject) {
+      const VCTreeChildList& children = VCTreeNodeAccess::Of(this).children;
+      const int32_t before = children.Size();
+      try {
+        ExpandFromDataObject();
+      } catch (const std::bad_alloc&) {
+        // Take back what this expansion made; the mark stays for a retry.
+        while (children.Size() > before) delete children[children.Size() - 1];
+        VFTreeReportError(kTreeErrorOutOfMemory, "VCUTreeResultNode::GetChildren");
+        return -1;
+      }
+    }
+    m_pData->childrenFromDataObject = false;
+  }
+  return VCUTreeNodeBase::GetChildren(out);
+}
+
+void VCUTreeResultNode::ExpandFromDataObject() {
+  VCArray<VCUTreeNodeBase*> sourceChildren;
+  if (m_pData->dataObject->GetChildren(&sourceChildren) < 0) throw std::bad_alloc();
+  for (VCUTreeNodeBase* child : sourceChildren) {
+    VCUTreeSourceNode* sourceChild = VCTreeNodeAccess::AsSource(child);
+    if (!sourceChild) continue;  // only source nodes can be data objects
+    auto* mirror = new VCUTreeResultNode(this, sourceChild);
+    mirror->m_pData->childrenFromDataObject = true;
+  }
+}
+
+VCUTreeSourceNode* VCUTreeResultNode::GetDataObject() const {
+  return m_pData->dataObject;
+}
+
+VCString VCUTreeResultNode::GetId() const {
+  return m_pData->extra ? m_pData->extra->id : VCString();
+}
+
+VCString VCUTreeResultNode::GetDescription() const {
+  return m_pData->extra ? m_pData->extra->description : VCString();
+}
+
+char VCUTreeResultNode::IsCategory() const {
+  return IdView().empty() ? 0 : 1;
+}
+
+void VCUTreeResultNode::SetChildrenFromDataObject() {
+  m_pData->childrenFromDataObject = true;
+}
+
+VCUTreeResultNode* VCUTreeResultNode::FindChildCategory(const char* id) {
+  const std::string_view key(id ? id : "");
+  if (key.empty()) return nullptr;
+  try {
+    const VCTreeCategoryIndex::Entry* entry = CurrentIndex().Find(key);
+    return entry ? entry->node : nullptr;
+  } catch (const std::bad_alloc&) {
+    // No memory for the index: walk the list instead.
+    for (VCUTreeNodeBase* child : VCTreeNodeAccess::Of(this).children) {
+      VCUTreeResultNode* category = VCTreeNodeAccess::AsResult(child);
+      if (category && category->IdView() == key) return category;
+    }
+    return nullptr;
+  }
+}
+
+VCTreeCategoryIndex& VCUTreeResultNode::CurrentIndex() {
+  if (!m_pData->extra) m_pData->extra = new Extra;
+  VCTreeCategoryIndex& index = m_pData->extra->index;
+  if (index.IsBuilt()) return index;
+  try {
+    for (VCUTreeNodeBase* child : VCTreeNodeAccess::Of(this).children) {
+      VCUTreeResultNode* category = VCTreeNodeAccess::AsResult(child);
+      if (category && !category->IdView().empty()) {
+        index.Add(category->IdView(), category, &category->m_pData->extra->index);
+      }
+    }
+  } catch (const std::bad_alloc&) {
+    index.Invalidate();
+    throw;
+  }
+  index.SetBuilt();
+  return index;
+}
+
+VCUTreeResultNode* VCUTreeResultNode::FindOrCreateCategoryPath(
+    VCUTreeResultNode* root, const VCStringArray& ids,
+    const VCArray<VCUTreeGroupDefBase*>& grouping) {
+  // Down from index to index while the ids are found: the categories on the
+  // way are not touched themselves.
+  VCUTreeResultNode* current = root;
+  VCTreeCategoryIndex* index = &root->CurrentIndex();
+  int32_t level = 0;
+  for (; level < ids.GetSize(); ++level) {
+    const VCTreeCategoryIndex::Entry* entry = index->Find(ids[level].view());
+    if (!entry) break;
+    current = entry->node;
+    index = entry->childIndex->IsBuilt() ? entry->childIndex : &current->CurrentIndex();
+  }
+  for (; level < ids.GetSize(); ++level) {
+    const VCString& id = ids[level];
+    current = new VCUTreeResultNode(current, id, grouping[level]->GetCategoryDescription(id));
+  }
+  return current;
+}
+
+void VCUTreeResultNode::SortCategories(char ascending, char recurse) {
+  if (!SortChildCategories(ascending)) return;
+  const VCTreeChildList& children = VCTreeNodeAccess::Of(this).children;
+  for (int32_t i = 0; i < children.Size(); ++i) {
+    VCTreeNodeAccess::PrefetchAhead(children, i);
+    if (VCUTreeResultNode* child = VCTreeNodeAccess::AsResult(children[i])) {
+      child->SortCategories(ascending, recurse);
+    }
+  }
+}
+
+void VCUTreeResultNode::SortCategoryLevels(char ascending, int32_t levels) {
+  if (levels <= 0 || !SortChildCategories(ascending)) return;
+  const VCTreeChildList& children = VCTreeNodeAccess::Of(this).children;
+  for (int32_t i = 0; i < children.Size(); ++i) {
+    VCTreeNodeAccess::PrefetchAhead(children, i);
+    if (VCUTreeResultNode* child = VCTreeNodeAccess::AsResult(children[i])) {
+      child->SortCategoryLevels(ascending, levels - 1);
+    }
+  }
+}
+
+bool VCUTreeResultNode::SortChildCategories(char ascending) {
+  const int count = GetChildren(nullptr);  // expands a marked node first
+  if (count <= 0) return false;
+  const VCTreeChildList& children = VCTreeNodeAccess::Of(this).children;
+  const auto idAt = [&children](int32_t position) {
+    const VCUTreeResultNode* child = VCTreeNodeAccess::AsResult(children[position]);
+    return child ? child->IdView() : std::string_view();
+  };
+  if (idAt(0).empty()) return false;
+  if (count == 1) return true;
+  try {
+    // Each child as its position and the first bytes of its id, so most
+    // comparisons never leave the array.
+    struct Entry {
+      uint64_t prefix;
+      int32_t position;
+    };
+    std::vector<Entry> entries(static_cast<size_t>(count));
+    for (int32_t i = 0; i < count; ++i) {
+      VCTreeNodeAccess::PrefetchAhead(children, i);
+      entries[static_cast<size_t>(i)] = {SortPrefix(idAt(i)), i};
+    }
+    ShellSortTreeItems(entries.data(), count, [&](const Entry& neighbour, const Entry& element) {
+      int order = neighbour.prefix < element.prefix ? -1 : (neighbour.prefix > element.prefix);
+      if (order == 0) order = idAt(neighbour.position).compare(idAt(element.position));
+      return ascending ? order > 0 : order < 0;
+    });
+    VCArray<VCUTreeNodeBase*> order;
+    if (!order.SetSize(count)) throw std::bad_alloc();
+    for (int32_t i = 0; i < count; ++i)
+      order[i] = children[entries[static_cast<size_t>(i)].position];
+    SetNewChildOrder(order);
+  } catch (const std::bad_alloc&) {
+    VFTreeReportError(kTreeErrorOutOfMemory, "VCUTreeResultNode::SortCategories");
+    return false;
+  }
+  return true;
+}

@@ -1,0 +1,189 @@
+// Grouping, filtering and sorting definitions on their own, and who owns them.
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include <utilkit/tree/tree.h>
+
+#include "tree_text.h"
+
+namespace {
+
+using tree_tool::PropertyNode;
+
+// A filter of a host's own class that counts its calls and destructions.
+class CountingFilter : public VCUTreeFilterDefBase {
+ public:
+  CountingFilter(bool passes, int* calls, int* deleted)
+      : m_passes(passes), m_calls(calls), m_deleted(deleted) {}
+  ~CountingFilter() override { ++*m_deleted; }
+  char DoesObjectPassFilter(VCUTreeSourceNode*) override {
+    ++*m_calls;
+    return m_passes;
+  }
+
+ private:
+  bool m_passes;
+  int* m_calls;
+  int* m_deleted;
+};
+
+VCVariant Date(int32_t year, int32_t month, int32_t day) {
+  VCTime time;
+  time.SetDateTime(year, month, day);
+  return VCVariant(time);
+}
+
+TEST(VCUTreeGroupDefinitions, IdsAndDescriptions) {
+  PropertyNode node(nullptr);
+  node.SetProperty("Channel", VCVariant(int32_t{3}));
+  node.SetProperty("Name", VCVariant("echo"));
+  node.SetProperty("When", Date(2024, 0, 5));
+
+  VCUTreeGroupByProperty channel("Channel");
+  EXPECT_EQ(channel.GetGroupType(), 1);
+  EXPECT_EQ(channel.GetCategoryIdForData(&node), "3");
+  EXPECT_EQ(channel.GetCategoryDescription("3"), "Channel=3");
+  channel.SetPropName("Missing");
+  EXPECT_EQ(channel.GetCategoryIdForData(&node), "");
+
+  VCUTreeGroupAlphabetic alpha("Name");
+  EXPECT_EQ(alpha.GetGroupType(), 2);
+  EXPECT_EQ(alpha.GetNumLettersPerGroup(), 0);
+  EXPECT_EQ(alpha.GetCategoryIdForData(&node), "E");  // 0 letters group as 1
+  alpha.SetNumLettersPerGroup(-4);
+  EXPECT_EQ(alpha.GetCategoryIdForData(&node), "E");
+  alpha.SetNumLettersPerGroup(2);
+  EXPECT_EQ(alpha.GetCategoryIdForData(&node), "E-F");
+  EXPECT_EQ(alpha.GetCategoryDescription("E-F"), "E-F");
+
+  VCUTreeGroupByDate date("When", VCUTreeGroupByDate::kByDay);
+  EXPECT_EQ(date.GetGroupType(), 3);
+  EXPECT_EQ(date.GetCategoryIdForData(&node), "2024-00-05");
+  EXPECT_EQ(date.GetCategoryDescription("2024-00-05"), "05-January-2024");
+  EXPECT_EQ(date.GetCategoryDescription("not a date"), "not a date");
+  date.SetGroupByDateType(VCUTreeGroupByDate::kByMonth);
+  EXPECT_EQ(date.GetCategoryIdForData(&node), "00");
+  EXPECT_EQ(date.GetCategoryDescription("11"), "December");
+  EXPECT_EQ(date.GetCategoryDescription("12"), "");
+  date.SetGroupByDateType(VCUTreeGroupByDate::kByYear);
+  EXPECT_EQ(date.GetCategoryIdForData(&node), "2024");
+  EXPECT_EQ(date.GetCategoryDescription("2024"), "2024");
+  date.SetPropName("Name");  // a text is no date
+  EXPECT_EQ(date.GetCategoryIdForData(&node), "");
+}
+
+TEST(VCUTreeGroupDefinitions, CreateCategoryResultUsesTheDescription) {
+  VCUTreeResultNode root;
+  VCUTreeGroupByProperty channel("Channel");
+  VCUTreeResultNode* category = channel.CreateCategoryResult(&root, "7");
+  EXPECT_EQ(category->GetParent(), &root);
+  EXPECT_EQ(category->GetId(), "7");
+  EXPECT_EQ(category->GetDescription(), "Channel=7");
+}
+
+TEST(VCUTreeFilterDefinitions, BasicTests) {
+  PropertyNode node(nullptr);
+  node.SetProperty("Size", VCVariant(int64_t{10}));
+  const auto passes = [&](VCUTreeFilterBasic::VTFilterBasicType type, const VCVariant& value,
+                          const char* prop = "Size") {
+    return VCUTreeFilterBasic(prop, type, value).DoesObjectPassFilter(&node) != 0;
+  };
+  const VCVariant ten(int64_t{10}), nine(9.0);
+  EXPECT_TRUE(passes(VCUTreeFilterBasic::kNone, VCVariant(), "Missing"));
+  EXPECT_TRUE(passes(VCUTreeFilterBasic::kEqual, ten));
+  EXPECT_FALSE(passes(VCUTreeFilterBasic::kNotEqual, ten));
+  EXPECT_TRUE(passes(VCUTreeFilterBasic::kGreater, nine));
+  EXPECT_FALSE(passes(VCUTreeFilterBasic::kGreater, ten));
+  EXPECT_TRUE(passes(VCUTreeFilterBasic::kGreaterOrEqual, ten));
+  EXPECT_FALSE(passes(VCUTreeFilterBasic::kLess, ten));
+  EXPECT_TRUE(passes(VCUTreeFilterBasic::kLessOrEqual, ten));
+  EXPECT_FALSE(passes(VCUTreeFilterBasic::kLessOrEqual, ten, "Missing"));
+  EXPECT_FALSE(passes(VCUTreeFilterBasic::kNotEqual, ten, "Missing"));
+  EXPECT_TRUE(passes(VCUTreeFilterBasic::kPatternMatch, VCVariant("1?")));
+  EXPECT_FALSE(passes(static_cast<VCUTreeFilterBasic::VTFilterBasicType>(42), ten));
+}
+
+TEST(VCUTreeFilterDefinitions, AndOrAskTheSecondOperandOnlyWhenNeeded) {
+  PropertyNode node(nullptr);
+  int calls = 0, deleted = 0;
+  {
+    VCUTreeFilterAND both(new CountingFilter(false, &calls, &deleted),
+                          new CountingFilter(true, &calls, &deleted));
+    EXPECT_FALSE(both.DoesObjectPassFilter(&node));
+    EXPECT_EQ(calls, 1);
+    VCUTreeFilterOR either(new CountingFilter(true, &calls, &deleted),
+                           new CountingFilter(false, &calls, &deleted));
+    EXPECT_TRUE(either.DoesObjectPassFilter(&node));
+    EXPECT_EQ(calls, 2);
+    VCUTreeFilterOR missing(new CountingFilter(true, &calls, &deleted), nullptr);
+    EXPECT_FALSE(missing.DoesObjectPassFilter(&node));
+  }
+  EXPECT_EQ(deleted, 5);
+}
+
+TEST(VCUTreeFilterDefinitions, SetOperandsDeletesThePreviousOnes) {
+  int calls = 0, deleted = 0;
+  VCUTreeFilterAND both(new CountingFilter(true, &calls, &deleted),
+                        new CountingFilter(true, &calls, &deleted));
+  VCUTreeFilterDefBase* kept = both.GetOperand2();
+  both.SetOperands(new CountingFilter(true, &calls, &deleted), kept);
+  EXPECT_EQ(deleted, 1);
+  EXPECT_EQ(both.GetOperand2(), kept);
+}
+
+TEST(VCUTreeFilterDefinitions, CopiesAreDeepForTheLibrarysFilters) {
+  int calls = 0, deleted = 0;
+  PropertyNode node(nullptr);
+  node.SetProperty("A", VCVariant(int64_t{1}));
+  auto original = std::make_unique<VCUTreeFilterOR>(
+      new VCUTreeFilterBasic("A", VCUTreeFilterBasic::kEqual, VCVariant(int64_t{1})),
+      new CountingFilter(true, &calls, &deleted));
+  VCUTreeFilterOR copy(*original);
+  EXPECT_NE(copy.GetOperand1(), original->GetOperand1());
+  EXPECT_EQ(copy.GetOperand2(), nullptr);  // a host's class cannot be copied
+  original.reset();
+  EXPECT_EQ(deleted, 1);
+  EXPECT_FALSE(copy.DoesObjectPassFilter(&node));
+  copy.SetOperands(new VCUTreeFilterBasic("A", VCUTreeFilterBasic::kExists, VCVariant()),
+                   new VCUTreeFilterBasic("B", VCUTreeFilterBasic::kExists, VCVariant()));
+  EXPECT_TRUE(copy.DoesObjectPassFilter(&node));
+}
+
+TEST(VCUTreeSortDefinitions, KeysCompareLikeTheNodes) {
+  PropertyNode a(nullptr), b(nullptr), none(nullptr);
+  a.SetProperty("Name", VCVariant("File10"));
+  b.SetProperty("Name", VCVariant("File2"));
+  VCUTreeSortBasic byName("Name", kTreeSortIncreasing);
+  EXPECT_EQ(byName.GetSortType(), 1);
+  EXPECT_LT(byName.Compare(&a, &b), 0);
+  byName.SetMethod(VCUTreeSortBasic::kMixedString);
+  EXPECT_GT(byName.Compare(&a, &b), 0);
+  EXPECT_EQ(byName.Compare(&a, &b),
+            byName.CompareSortKeys(byName.GetSortKey(&a), byName.GetSortKey(&b)));
+  EXPECT_EQ(byName.Compare(&none, &a), 1);
+  EXPECT_EQ(byName.Compare(&none, &none), 0);
+  byName.SetDirection(kTreeSortDecreasing);
+  EXPECT_EQ(byName.Compare(&none, &a), -1);
+  EXPECT_LT(byName.Compare(&a, &b), 0);
+}
+
+TEST(VCUTreeOwnership, TheTreeDeletesWhatItWasGiven) {
+  int calls = 0, deleted = 0;
+  {
+    VCUTree tree;
+    tree.SetFilteringOp(new CountingFilter(true, &calls, &deleted));
+    tree.SetFilteringOp(new CountingFilter(true, &calls, &deleted));
+    EXPECT_EQ(deleted, 1);
+    EXPECT_EQ(tree.AppendGroupingOp(nullptr), 0);
+    EXPECT_EQ(tree.AppendGroupingOp(new VCUTreeGroupByProperty("A")), 1);
+    EXPECT_EQ(tree.AppendSortingOp(new VCUTreeSortBasic("A", kTreeSortIncreasing)), 1);
+    EXPECT_EQ(tree.GetGroupingOps().GetSize(), 1);
+    tree.ClearGrouping();
+    EXPECT_EQ(tree.GetGroupingOps().GetSize(), 0);
+    EXPECT_EQ(tree.GetSortingOps().GetSize(), 1);
+  }
+  EXPECT_EQ(deleted, 2);
+}
+
+}  // namespace
