@@ -2,7 +2,6 @@
 SHELL := /bin/bash
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
-EXAMPLE ?= examples/signals.csv
 
 .PHONY: help deps run build dev test check windows fuzz bench format format-check install clean
 
@@ -27,7 +26,9 @@ build: deps
 	cmake --build --preset release -j $(JOBS)
 
 run: build
-	build/release/tools/utilkit calc --expr '#Peak# * #Time# / 1000 + 1' $(EXAMPLE)
+	build/release/tools/utilkit table -f "Peak > 10 AND NOT Grade = low" -c Test,Peak,Grade \
+	  examples/tests_a.csv examples/tests_b.csv
+	build/release/tools/utilkit calc --expr '#Peak# * #Time# / 1000 + 1' examples/signals.csv
 
 dev: deps
 	cmake --preset dev
