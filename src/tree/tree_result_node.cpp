@@ -91,8 +91,7 @@ void VCTreeNodeAccess::ChildListChanged(VCUTreeNodeBase* node) {
 }
 
 VCUTreeResultNode::VCUTreeResultNode(const VCUTreeResultNode& other)
-    : VCUTreeNodeBase(other),
-      m_pData(NewData(other.GetId(), other.GetDescription())) {
+    : VCUTreeNodeBase(other), m_pData(NewData(other.GetId(), other.GetDescription())) {
   VCTreeNodeAccess::SetKind(this, VCTreeNodeKind::kResult);
   m_pData->dataObject = other.m_pData->dataObject;
   m_pData->childrenFromDataObject = other.m_pData->childrenFromDataObject;

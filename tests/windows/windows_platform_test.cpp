@@ -73,10 +73,10 @@ TEST(ServiceControlManagerTest, CreateDescribeOpenDelete) {
     DeleteService(stale);
     CloseServiceHandle(stale);
   }
-  SC_HANDLE service = CreateServiceA(manager, name, "utilkit platform test", SERVICE_ALL_ACCESS,
-                                     SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START,
-                                     SERVICE_ERROR_NORMAL, path, nullptr, nullptr, nullptr,
-                                     nullptr, nullptr);
+  SC_HANDLE service =
+      CreateServiceA(manager, name, "utilkit platform test", SERVICE_ALL_ACCESS,
+                     SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL, path,
+                     nullptr, nullptr, nullptr, nullptr, nullptr);
   ASSERT_NE(service, nullptr) << GetLastError();
   std::string text = "A service made by the platform test";
   SERVICE_DESCRIPTIONA description{text.data()};
