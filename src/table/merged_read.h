@@ -8,6 +8,7 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
 #include <cstdint>
 #include <cstring>
@@ -108,16 +109,25 @@ inline bool CheckMergedRows(const VCUTableProcessorState& s, const char* locatio
   return true;
 }
 
-// Copies merged rows first..first+count-1 of a writable column's own buffer.
-// The buffers are kept in step with the merged rows; the check guards the
-// copy should that ever fail.
+// Lays the cells written to writable column `mc` over merged rows
+// first..first+count-1 read into out[0, count): values when `status` is
+// false, status words when it is true.
 template <class T>
-bool CopyOwn(const VCUTableProcessorState& s, const char* location, const std::vector<T>& own,
-             int64_t first, int64_t count, T* out) {
-  assert(static_cast<int64_t>(own.size()) == s.rowMap.Size());
-  if (static_cast<int64_t>(own.size()) != s.rowMap.Size()) return Fail(-655975, location);
-  if (count > 0) std::memcpy(out, own.data() + (first - 1), sizeof(T) * count);
-  return true;
+void PatchWritten(const MergedColumn& mc, int64_t first, int64_t count, T* out, bool status) {
+  if (mc.written.empty()) return;
+  const int64_t begin = first - 1;
+  const int64_t end = begin + count;
+  for (int64_t word = begin >> 6; word <= (end - 1) >> 6; ++word) {
+    uint64_t bits = mc.writtenBits[static_cast<size_t>(word)];
+    while (bits != 0) {
+      const int64_t at = (word << 6) + std::countr_zero(bits);
+      bits &= bits - 1;
+      if (at < begin || at >= end) continue;
+      const WrittenCell& cell = mc.written.at(at + 1);
+      if (status && cell.hasStatus) out[at - begin] = static_cast<T>(cell.status);
+      if (!status && cell.hasValue) out[at - begin] = static_cast<T>(cell.value);
+    }
+  }
 }
 
 // Reads merged rows first..first+count-1 of merged column `col` (an index
@@ -127,21 +137,20 @@ bool ReadMergedCells(VCUTableProcessorState& s, const char* location, int32_t co
                      int64_t count, const Cells& cells, int64_t at = 0) {
   if (!CheckMergedRows(s, location, first, count)) return false;
   const MergedColumn& mc = s.merged[static_cast<size_t>(col)];
-  if constexpr (std::is_same_v<Cells, CellsD>) {
-    if (mc.writable) return CopyOwn(s, location, mc.values, first, count, cells.out + at);
+  const bool ok =
+      s.rowMap.ForEachRun(first, count, [&](int32_t table, int64_t row, int64_t n, int64_t off) {
+        return ReadRun(s, mc, location, table, row, n, cells, at + off);
+      });
+  if constexpr (std::is_same_v<Cells, CellsD> || std::is_same_v<Cells, CellsStatus>) {
+    if (ok && mc.writable && count > 0) {
+      PatchWritten(mc, first, count, cells.out + at, std::is_same_v<Cells, CellsStatus>);
+    }
   }
-  if constexpr (std::is_same_v<Cells, CellsStatus>) {
-    if (mc.writable && mc.anyStatus)
-      return CopyOwn(s, location, mc.status, first, count, cells.out + at);
-  }
-  return s.rowMap.ForEachRun(first, count, [&](int32_t table, int64_t row, int64_t n, int64_t off) {
-    return ReadRun(s, mc, location, table, row, n, cells, at + off);
-  });
+  return ok;
 }
 
-// Fills the own buffers of Double merged column `col` from the input tables
-// for every merged row and marks it writable; on failure the column is left
-// not writable.
-bool RefillWritable(VCUTableProcessorState& s, int32_t col, const char* location);
+// Makes merged column `mc` writable with no cell written yet (forgetting
+// any written before). Fails only when memory runs out.
+bool ResetWritable(VCUTableProcessorState& s, MergedColumn& mc, const char* location);
 
 }  // namespace utilkit::table

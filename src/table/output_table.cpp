@@ -1,6 +1,9 @@
 #include <utilkit/table/output_table.h>
 
 #include <algorithm>
+#include <type_traits>
+
+#include <utilkit/base/error_stack.h>
 
 #include "table/merged_read.h"
 
@@ -8,16 +11,24 @@ using namespace utilkit::table;
 
 namespace {
 
-// The merged column shown by output column `col`, or -1 after -655974.
-int32_t MergedOf(const VCUTableProcessorState& s, int32_t col, const char* location) {
-  const int32_t merged = col >= 0 && static_cast<size_t>(col) < s.outputCols.size()
-                             ? s.outputCols[static_cast<size_t>(col)].merged
-                             : -1;
-  if (merged < 0 || static_cast<size_t>(merged) >= s.merged.size()) {
+// Output column `col` once resolved by Validate, or null after -655974.
+const OutputColumn* OutputAt(const VCUTableProcessorState& s, int32_t col, const char* location) {
+  const OutputColumn* c = col >= 0 && static_cast<size_t>(col) < s.outputCols.size()
+                              ? &s.outputCols[static_cast<size_t>(col)]
+                              : nullptr;
+  if (c == nullptr || !c->resolved ||
+      (c->computed == nullptr && static_cast<size_t>(c->merged) >= s.merged.size())) {
     Fail(-655974, location);
-    return -1;
+    return nullptr;
   }
-  return merged;
+  return c;
+}
+
+// A computed column read with a reader of another type, or for a status it
+// does not have: the refusal a table gives.
+bool Refuse(const char* location, bool status = false) {
+  VFErrorSet(1, status ? "Column has no status data" : "Column type mismatch", location, 0);
+  return false;
 }
 
 // Output rows tested at a time for being consecutive merged rows.
@@ -44,17 +55,44 @@ bool CheckOutputRows(const VCUTableProcessorState& s, const char* location, int6
   return true;
 }
 
+// Reads output rows first..first+count-1 of computed column `column`
+// (whose output rows the caller has checked): values and status words come
+// from the merged rows shown, row indices from the output rows' positions.
+template <class Cells>
+bool ReadComputed(VCUTableProcessorState& s, const char* location, VCUTableNewColumn& column,
+                  int64_t first, int64_t count, const Cells& cells) {
+  const bool rowIndex = column.GetType() == VTTableDataType::Huge;
+  if constexpr (std::is_same_v<Cells, CellsD>) {
+    if (rowIndex) return Refuse(location);
+    return column.CalculateValues_D(&s.data, s.outputRows.GetData() + (first - 1), count,
+                                    cells.out);
+  } else if constexpr (std::is_same_v<Cells, CellsH>) {
+    if (!rowIndex) return Refuse(location);
+    for (int64_t i = 0; i < count; ++i) {
+      if (!column.CalculateRowValue_H(&s.data, first - 1 + i, cells.out + i)) return false;
+    }
+    return true;
+  } else if constexpr (std::is_same_v<Cells, CellsStatus>) {
+    if (!column.GetHasStatus()) return Refuse(location, true);
+    return column.CalculateStatuses(&s.data, s.outputRows.GetData() + (first - 1), count,
+                                    cells.out);
+  } else {
+    return Refuse(location);
+  }
+}
+
 // Reads output rows first..first+count-1 of output column `col`: each run
 // of output rows holding consecutive merged rows is one merged read.
 template <class Cells>
 bool Read(VCUTableProcessorState& s, const char* location, int32_t col, int64_t first,
           int64_t count, const Cells& cells) {
-  const int32_t merged = MergedOf(s, col, location);
-  if (merged < 0 || !CheckOutputRows(s, location, first, count)) return false;
+  const OutputColumn* c = OutputAt(s, col, location);
+  if (c == nullptr || !CheckOutputRows(s, location, first, count)) return false;
+  if (c->computed) return ReadComputed(s, location, *c->computed, first, count, cells);
   const int32_t* rows = s.outputRows.GetData() + (first - 1);
   for (int64_t i = 0; i < count;) {
     const int64_t n = ConsecutiveRun(rows + i, std::min(count - i, kChunk));
-    if (!ReadMergedCells(s, location, merged, rows[i], n, cells, i)) return false;
+    if (!ReadMergedCells(s, location, c->merged, rows[i], n, cells, i)) return false;
     i += n;
   }
   return true;
@@ -63,7 +101,9 @@ bool Read(VCUTableProcessorState& s, const char* location, int32_t col, int64_t 
 // Texts or Enum names into an array resized to `count` once the checks pass.
 bool ReadIntoArray(VCUTableProcessorState& s, const char* location, int32_t col, int64_t first,
                    int64_t count, int32_t* codes, VCStringArray* names) {
-  if (MergedOf(s, col, location) < 0 || !CheckOutputRows(s, location, first, count)) return false;
+  const OutputColumn* c = OutputAt(s, col, location);
+  if (c == nullptr || !CheckOutputRows(s, location, first, count)) return false;
+  if (c->computed) return Refuse(location);
   try {
     if (names && !names->SetSize(static_cast<int32_t>(count), 10)) return FailMemory(location);
     return Read(s, location, col, first, count,
@@ -92,40 +132,72 @@ bool VCUOutputTable::GetNumRows(int64_t* count) {
   return true;
 }
 
+// Answers a metadata question about output column `col`: `plain` with the
+// merged view and the merged column, `computed` with the computed column.
+template <class Plain, class Computed>
+static bool Describe(VCUTableProcessorState& s, int32_t col, const char* location, Plain&& plain,
+                     Computed&& computed) {
+  const OutputColumn* c = OutputAt(s, col, location);
+  if (c == nullptr) return false;
+  return c->computed ? computed(*c->computed) : plain(s.data, c->merged);
+}
+
 bool VCUOutputTable::GetColKeyword(int32_t col, VCString* keyword) {
-  const int32_t m = MergedOf(*m_state, col, "VCUOutputTable::GetColKeyword");
-  return m >= 0 && m_state->data.GetColKeyword(m, keyword);
+  return Describe(
+      *m_state, col, "VCUOutputTable::GetColKeyword",
+      [&](VCUTableData& d, int32_t m) { return d.GetColKeyword(m, keyword); },
+      [&](VCUTableNewColumn& n) { return (*keyword = n.GetKeyword(), true); });
 }
 
 bool VCUOutputTable::GetColDescription(int32_t col, VCString* description) {
-  const int32_t m = MergedOf(*m_state, col, "VCUOutputTable::GetColDescription");
-  return m >= 0 && m_state->data.GetColDescription(m, description);
+  return Describe(
+      *m_state, col, "VCUOutputTable::GetColDescription",
+      [&](VCUTableData& d, int32_t m) { return d.GetColDescription(m, description); },
+      [&](VCUTableNewColumn& n) { return (*description = n.GetDescription(), true); });
 }
 
 bool VCUOutputTable::GetColUnits(int32_t col, VCString* units) {
-  const int32_t m = MergedOf(*m_state, col, "VCUOutputTable::GetColUnits");
-  return m >= 0 && m_state->data.GetColUnits(m, units);
+  return Describe(
+      *m_state, col, "VCUOutputTable::GetColUnits",
+      [&](VCUTableData& d, int32_t m) { return d.GetColUnits(m, units); },
+      [&](VCUTableNewColumn& n) { return (*units = n.GetUnits(), true); });
 }
 
 bool VCUOutputTable::GetColType(int32_t col, VTTableDataType* type) {
-  const int32_t m = MergedOf(*m_state, col, "VCUOutputTable::GetColType");
-  return m >= 0 && m_state->data.GetColType(m, type);
+  return Describe(
+      *m_state, col, "VCUOutputTable::GetColType",
+      [&](VCUTableData& d, int32_t m) { return d.GetColType(m, type); },
+      [&](VCUTableNewColumn& n) { return (*type = n.GetType(), true); });
 }
 
 bool VCUOutputTable::GetColHasStatus(int32_t col, char* hasStatus) {
-  const int32_t m = MergedOf(*m_state, col, "VCUOutputTable::GetColHasStatus");
-  return m >= 0 && m_state->data.GetColHasStatus(m, hasStatus);
+  return Describe(
+      *m_state, col, "VCUOutputTable::GetColHasStatus",
+      [&](VCUTableData& d, int32_t m) { return d.GetColHasStatus(m, hasStatus); },
+      [&](VCUTableNewColumn& n) { return (*hasStatus = n.GetHasStatus() ? 1 : 0, true); });
 }
 
 bool VCUOutputTable::GetStatusColBitText(int32_t col, VCStringArray* texts) {
-  const int32_t m = MergedOf(*m_state, col, "VCUOutputTable::GetStatusColBitText");
-  return m >= 0 && m_state->data.GetStatusColBitText(m, texts);
+  return Describe(
+      *m_state, col, "VCUOutputTable::GetStatusColBitText",
+      [&](VCUTableData& d, int32_t m) { return d.GetStatusColBitText(m, texts); },
+      [&](VCUTableNewColumn& n) {
+        if (n.GetHasStatus()) return n.GetStatusColBitText(&m_state->data, texts);
+        texts->RemoveAll();
+        return true;
+      });
 }
 
 bool VCUOutputTable::GetEnumColOptions(int32_t col, VCArrayWithSort<int32_t>* codes,
                                        VCStringArray* names) {
-  const int32_t m = MergedOf(*m_state, col, "VCUOutputTable::GetEnumColOptions");
-  return m >= 0 && m_state->data.GetEnumColOptions(m, codes, names);
+  return Describe(
+      *m_state, col, "VCUOutputTable::GetEnumColOptions",
+      [&](VCUTableData& d, int32_t m) { return d.GetEnumColOptions(m, codes, names); },
+      [&](VCUTableNewColumn&) {
+        codes->RemoveAll();
+        names->RemoveAll();
+        return true;
+      });
 }
 
 bool VCUOutputTable::GetValues_S(int32_t col, int64_t first, int64_t count, int16_t* out) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 #include <utilkit/base/vc_array.h>
@@ -11,23 +12,36 @@
 #include <utilkit/base/vc_string_array.h>
 #include <utilkit/table/output_table.h>
 #include <utilkit/table/table.h>
+#include <utilkit/table/table_compress.h>
 #include <utilkit/table/table_data.h>
 #include <utilkit/table/table_filter.h>
+#include <utilkit/table/table_new_column.h>
+#include <utilkit/table/table_sort.h>
 
 #include "table/row_map.h"
 
 namespace utilkit::table {
 
+// A cell written to a writable merged column: what was written of it.
+struct WrittenCell {
+  double value = 0;
+  uint16_t status = 0;
+  bool hasValue = false;
+  bool hasStatus = false;
+};
+
 // A merged column: where each input table keeps it.
 struct MergedColumn {
   VCString keyword;
   VTTableDataType type = VTTableDataType::None;
-  VCArray<int32_t> index;        // per input table; -1 where absent
-  VCArray<char> hasStatus;       // per input table
-  bool anyStatus = false;        // the merged column has status
-  bool writable = false;         // reads come from the buffers below
-  std::vector<double> values;    // writable: one value per merged row
-  std::vector<uint16_t> status;  // writable with status: one word per merged row
+  VCArray<int32_t> index;   // per input table; -1 where absent
+  VCArray<char> hasStatus;  // per input table
+  bool anyStatus = false;   // the merged column has status
+  // Writable columns keep only the cells written: a bit per merged row
+  // marks them, and reads lay the written cells over the input tables'.
+  bool writable = false;
+  std::vector<uint64_t> writtenBits;
+  std::unordered_map<int64_t, WrittenCell> written;  // by merged row
 
   // The first input table that has the column, or -1.
   int32_t FirstTable() const {
@@ -38,10 +52,13 @@ struct MergedColumn {
   }
 };
 
-// An output column: the merged column it shows, once resolved.
+// An output column: the merged column it shows or the computed column it
+// shows, usable once Validate has resolved it.
 struct OutputColumn {
   VCString keyword;
-  int32_t merged = -1;
+  VCUTableNewColumn* computed = nullptr;  // not owned
+  int32_t merged = -1;                    // plain columns
+  bool resolved = false;
 };
 
 }  // namespace utilkit::table
@@ -49,8 +66,10 @@ struct OutputColumn {
 struct VCUTableProcessorState {
   VCUTableProcessorState() : data(this), output(this) {}
 
-  std::vector<VCUTable*> inputs;     // not owned
-  VCUTableFilter* filter = nullptr;  // not owned
+  std::vector<VCUTable*> inputs;                // not owned
+  VCUTableFilter* filter = nullptr;             // not owned
+  VCUTableSort* sort = nullptr;                 // not owned
+  std::vector<VCUTableCompress*> compressions;  // not owned, in order
   utilkit::table::RowMap rowMap;
   bool rowMapGiven = false;
   VCDataArray<int32_t> outputRows;  // merged row numbers, in output order
@@ -65,6 +84,9 @@ struct VCUTableProcessorState {
   // Forgets the merged columns (and so the output columns' resolution).
   void DropMergedColumns() {
     merged.clear();
-    for (auto& col : outputCols) col.merged = -1;
+    for (auto& col : outputCols) {
+      col.merged = -1;
+      col.resolved = false;
+    }
   }
 };

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "table/column_keys.h"
+#include "table/group_index.h"
 #include "table/row_chunks.h"
 #include "table/table_errors.h"
 
@@ -17,22 +18,17 @@ constexpr const char* kDoCompress = "VCUTableCompress::DoCompress";
 // Rows loaded at a time.
 constexpr int64_t kChunk = 4096;
 
-// One group met so far: its first member and its best one.
-struct Group {
-  int32_t firstRow;  // row number of the first member
-  int32_t bestAt;    // position in the row array of the best member
-  int32_t bestTable;
-  int32_t count;
-  uint64_t bestKey;      // numeric select values
-  std::string bestText;  // text select values
-  double sum;
-  uint16_t status;
+// The groups met so far, a field an array (the fields a row touches stay
+// close together): each group's best member (for a sum, its first).
+struct Groups {
+  std::vector<uint64_t> bestKey;   // numeric select values
+  std::vector<double> sum;         // sums
+  std::vector<int32_t> bestAt;     // position in the row array of the best member
+  std::vector<int32_t> bestTable;  // its input table
+  std::vector<int32_t> count;
+  std::vector<uint16_t> status;       // sums with status
+  std::vector<std::string> bestText;  // text select values
 };
-
-uint64_t Mix(uint64_t hash, uint64_t key) {
-  hash ^= key + 0x9E3779B97F4A7C15ull + (hash << 6) + (hash >> 2);
-  return hash * 0xBF58476D1CE4E5B9ull;
-}
 
 }  // namespace
 
@@ -166,7 +162,10 @@ bool VCUTableCompress::Compress() {
   std::vector<std::unique_ptr<ColumnKeys>> loaders(columns);
   std::vector<std::vector<uint64_t>> keys(columns, std::vector<uint64_t>(kChunk));
   std::vector<bool> real(columns);
+  std::vector<const uint64_t*> keyColumns(columns);
+  std::vector<uint32_t> entries(kChunk);
   for (size_t c = 0; c < columns; ++c) {
+    keyColumns[c] = keys[c].data();
     loaders[c] = std::make_unique<ColumnKeys>();
     const VTTableDataType type = s.searchType[c];
     real[c] = type == VTTableDataType::Float || type == VTTableDataType::Double;
@@ -184,10 +183,9 @@ bool VCUTableCompress::Compress() {
   std::vector<uint16_t> status(kChunk);
   VCStringArray texts;
 
-  std::vector<Group> groups;
-  std::vector<uint64_t> groupKeys;  // `columns` keys per group
-  std::vector<int32_t> slots(1024, -1);
-  size_t mask = slots.size() - 1;
+  Groups groups;
+  GroupIndex index(columns);
+  std::vector<uint64_t> rowKeys(columns);
 
   for (int64_t begin = 0; begin < n; begin += kChunk) {
     const int64_t count = std::min(kChunk, n - begin);
@@ -211,82 +209,102 @@ bool VCUTableCompress::Compress() {
       read = selectLoader.Load(chunk, 0, count, selectKeys.data());
     }
     if (!read) return false;
-
-    for (int64_t i = 0; i < count; ++i) {
-      uint64_t hash = 0;
-      bool alone = false;
+    if (begin == 0) {
+      std::vector<uint64_t> low(columns), high(columns);
       for (size_t c = 0; c < columns; ++c) {
-        const uint64_t key = keys[c][static_cast<size_t>(i)];
-        alone = alone || (real[c] && key == ColumnKeys::kNaNKey);
-        hash = Mix(hash, key);
+        const auto [lo, hi] = std::minmax_element(keys[c].begin(), keys[c].begin() + count);
+        low[c] = *lo;
+        high[c] = *hi;
       }
-      if (alone) continue;  // a NaN search value never joins a group
-      size_t slot = (hash >> 20) & mask;
-      int32_t g = -1;
-      while ((g = slots[slot]) >= 0) {
-        const uint64_t* stored = groupKeys.data() + static_cast<size_t>(g) * columns;
-        size_t c = 0;
-        while (c < columns && stored[c] == keys[c][static_cast<size_t>(i)]) ++c;
-        if (c == columns) break;
-        slot = (slot + 1) & mask;
-      }
-      const int64_t at = begin + i;
-      int32_t table = 0;
-      if (prefer && !data.GetInputTableIndexForRow(rows[at], &table)) return false;
+      index.Hint(low.data(), high.data());
+    }
+    // The direct table serves rows whose tables need not be told apart and
+    // whose keys cannot be NaN.
+    const bool direct = !prefer && std::find(real.begin(), real.end(), true) == real.end();
+
+    // A group's first member starts it; a later one joins it.
+    auto start = [&](int64_t i, int32_t table) {
       const auto ii = static_cast<size_t>(i);
-      if (g < 0) {
-        slots[slot] = static_cast<int32_t>(groups.size());
-        for (size_t c = 0; c < columns; ++c) groupKeys.push_back(keys[c][ii]);
-        groups.push_back({rows[at], static_cast<int32_t>(at), table, 1, selectKeys[ii],
-                          textSelect ? texts[static_cast<int32_t>(i)].str() : std::string(),
-                          values[ii], status[ii]});
-        if (groups.size() * 2 > slots.size()) {
-          slots.assign(slots.size() * 2, -1);
-          mask = slots.size() - 1;
-          for (size_t k = 0; k < groups.size(); ++k) {
-            uint64_t h = 0;
-            for (size_t c = 0; c < columns; ++c) h = Mix(h, groupKeys[k * columns + c]);
-            size_t to = (h >> 20) & mask;
-            while (slots[to] >= 0) to = (to + 1) & mask;
-            slots[to] = static_cast<int32_t>(k);
-          }
-        }
-        continue;
-      }
-      Group& group = groups[static_cast<size_t>(g)];
-      ++group.count;
+      groups.bestKey.push_back(selectKeys[ii]);
+      groups.sum.push_back(values[ii]);
+      groups.bestAt.push_back(static_cast<int32_t>(begin + i));
+      groups.bestTable.push_back(table);
+      groups.count.push_back(1);
+      groups.status.push_back(status[ii]);
+      if (textSelect) groups.bestText.push_back(texts[static_cast<int32_t>(i)].str());
+    };
+    auto join = [&](int32_t group, int64_t i, int32_t table) {
+      const auto g = static_cast<size_t>(group);
+      const auto ii = static_cast<size_t>(i);
+      const int64_t at = begin + i;
+      ++groups.count[g];
       if (sum) {
-        group.sum += values[ii];
-        group.status |= status[ii];
+        groups.sum[g] += values[ii];
+        if (s.selectHasStatus) groups.status[g] |= status[ii];
         rows[at] = -1;
-        continue;
+        return;
       }
       bool better = false;
-      if (prefer && table != group.bestTable) {
-        better = table > group.bestTable;
+      if (prefer && table != groups.bestTable[g]) {
+        better = table > groups.bestTable[g];
       } else if (textSelect) {
         const std::string& text = texts[static_cast<int32_t>(i)].str();
-        better = s.type == VTCompressType::Maximum ? text > group.bestText : text < group.bestText;
+        better = s.type == VTCompressType::Maximum ? text > groups.bestText[g]
+                                                   : text < groups.bestText[g];
       } else {
-        better = s.type == VTCompressType::Maximum ? selectKeys[ii] > group.bestKey
-                                                   : selectKeys[ii] < group.bestKey;
+        better = s.type == VTCompressType::Maximum ? selectKeys[ii] > groups.bestKey[g]
+                                                   : selectKeys[ii] < groups.bestKey[g];
       }
       if (!better) {
         rows[at] = -1;
-        continue;
+        return;
       }
-      if (textSelect) group.bestText = texts[static_cast<int32_t>(i)].str();
-      rows[group.bestAt] = -1;
-      group.bestAt = static_cast<int32_t>(at);
-      group.bestTable = table;
-      group.bestKey = selectKeys[ii];
+      if (textSelect) groups.bestText[g] = texts[static_cast<int32_t>(i)].str();
+      rows[groups.bestAt[g]] = -1;
+      groups.bestAt[g] = static_cast<int32_t>(at);
+      groups.bestTable[g] = table;
+      groups.bestKey[g] = selectKeys[ii];
+    };
+
+    // Integer search keys within the direct table: every row's entry at once.
+    if (direct && index.DirectSlots(keyColumns.data(), count, entries.data())) {
+      for (int64_t i = 0; i < count; ++i) {
+        const uint32_t entry = entries[static_cast<size_t>(i)];
+        const int32_t g = index.DirectGroup(entry);
+        if (g >= 0) {
+          join(g, i, 0);
+          continue;
+        }
+        for (size_t c = 0; c < columns; ++c) rowKeys[c] = keys[c][static_cast<size_t>(i)];
+        index.AddDirect(entry, rowKeys.data());
+        start(i, 0);
+      }
+      continue;
+    }
+    for (int64_t i = 0; i < count; ++i) {
+      bool alone = false;
+      for (size_t c = 0; c < columns; ++c) {
+        rowKeys[c] = keys[c][static_cast<size_t>(i)];
+        alone = alone || (real[c] && rowKeys[c] == ColumnKeys::kNaNKey);
+      }
+      if (alone) continue;  // a NaN search value never joins a group
+      const int32_t g = index.Find(rowKeys.data());
+      int32_t table = 0;
+      if (prefer && !data.GetInputTableIndexForRow(rows[begin + i], &table)) return false;
+      if (g >= 0) {
+        join(g, i, table);
+      } else {
+        index.Add(rowKeys.data());
+        start(i, table);
+      }
     }
   }
-  for (const Group& group : groups) {
-    if (!sum || group.count < 2) continue;
-    if (!data.WriteInputColValue(s.selectIndex, group.firstRow, group.sum) ||
+  for (size_t g = 0; sum && g < groups.count.size(); ++g) {
+    if (groups.count[g] < 2) continue;
+    const int32_t first = rows[groups.bestAt[g]];  // the first member is never dropped
+    if (!data.WriteInputColValue(s.selectIndex, first, groups.sum[g]) ||
         (s.selectHasStatus &&
-         !data.WriteInputColStatusValue(s.selectIndex, group.firstRow, group.status))) {
+         !data.WriteInputColStatusValue(s.selectIndex, first, groups.status[g]))) {
       return false;
     }
   }

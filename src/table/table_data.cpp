@@ -49,22 +49,13 @@ bool FromFirstTable(VCUTableProcessorState& s, int32_t col, const char* location
 
 namespace utilkit::table {
 
-bool RefillWritable(VCUTableProcessorState& s, int32_t col, const char* location) {
-  MergedColumn& mc = s.merged[static_cast<size_t>(col)];
-  const int64_t rows = s.rowMap.Size();
-  mc.writable = false;
+bool ResetWritable(VCUTableProcessorState& s, MergedColumn& mc, const char* location) {
+  mc.written.clear();
   try {
-    mc.values.assign(static_cast<size_t>(rows), 0.0);
-    mc.status.assign(mc.anyStatus ? static_cast<size_t>(rows) : 0, uint16_t{0});
+    mc.writtenBits.assign(static_cast<size_t>((s.rowMap.Size() + 63) / 64), 0);
   } catch (...) {
+    mc.writable = false;
     return FailMemory(location);
-  }
-  if (!ReadMergedCells(s, location, col, 1, rows, CellsD{mc.values.data()}) ||
-      (mc.anyStatus &&
-       !ReadMergedCells(s, location, col, 1, rows, CellsStatus{mc.status.data()}))) {
-    std::vector<double>().swap(mc.values);
-    std::vector<uint16_t>().swap(mc.status);
-    return false;
   }
   mc.writable = true;
   return true;
@@ -79,7 +70,7 @@ bool VCUTableData::SetColWritable(int32_t col) {
   MergedColumn* mc = Column(*m_state, col, kLocation);
   if (mc == nullptr) return false;
   if (mc->type != VTTableDataType::Double) return Fail(-656000, kLocation);
-  return mc->writable || RefillWritable(*m_state, col, kLocation);
+  return mc->writable || ResetWritable(*m_state, *mc, kLocation);
 }
 
 bool VCUTableData::GetColWritable(int32_t col) const {
@@ -87,28 +78,36 @@ bool VCUTableData::GetColWritable(int32_t col) const {
          m_state->merged[static_cast<size_t>(col)].writable;
 }
 
-// Stores `value` at merged row `row` of the writable buffer that `pick`
-// chooses (null when the column has no such buffer).
-template <class T, class Pick>
-static bool WriteOwn(VCUTableProcessorState& s, int32_t col, int64_t row, T value,
-                     const char* location, Pick&& pick) {
+// Records a write to merged row `row` of writable column `col`; `status`
+// tells whether a status word is written (the column must have status).
+static bool WriteCell(VCUTableProcessorState& s, int32_t col, int64_t row, double value,
+                      uint16_t statusWord, bool status, const char* location) {
   MergedColumn* mc = Column(s, col, location);
   if (mc == nullptr) return false;
-  std::vector<T>* own = mc->writable ? pick(*mc) : nullptr;
-  if (own == nullptr) return Fail(-656001, location);
+  if (!mc->writable || (status && !mc->anyStatus)) return Fail(-656001, location);
   if (!CheckMergedRows(s, location, row, 1)) return false;
-  (*own)[static_cast<size_t>(row - 1)] = value;
+  try {
+    WrittenCell& cell = mc->written[row];
+    if (status) {
+      cell.status = statusWord;
+      cell.hasStatus = true;
+    } else {
+      cell.value = value;
+      cell.hasValue = true;
+    }
+  } catch (...) {
+    return FailMemory(location);
+  }
+  mc->writtenBits[static_cast<size_t>((row - 1) >> 6)] |= uint64_t{1} << ((row - 1) & 63);
   return true;
 }
 
 bool VCUTableData::WriteInputColValue(int32_t col, int64_t row, double value) {
-  return WriteOwn(*m_state, col, row, value, "VCUTableData::WriteInputColValue",
-                  [](MergedColumn& mc) { return &mc.values; });
+  return WriteCell(*m_state, col, row, value, 0, false, "VCUTableData::WriteInputColValue");
 }
 
 bool VCUTableData::WriteInputColStatusValue(int32_t col, int64_t row, uint16_t status) {
-  return WriteOwn(*m_state, col, row, status, "VCUTableData::WriteInputColStatusValue",
-                  [](MergedColumn& mc) { return mc.anyStatus ? &mc.status : nullptr; });
+  return WriteCell(*m_state, col, row, 0, status, true, "VCUTableData::WriteInputColStatusValue");
 }
 
 bool VCUTableData::GetTableName(VCString* name) {

@@ -1,6 +1,7 @@
 #include <utilkit/table/table_new_column.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <vector>
 
 #include <utilkit/base/error_stack.h>
@@ -197,6 +198,13 @@ bool VCUTableNewColumn::CalculateRowStatus(VCUTable* table, int64_t row, uint16_
 
 bool VCUTableNewColumn::GetStatusColBitText(VCUTable* table, VCStringArray* texts) {
   return table->GetStatusColBitText(m_impl->statusCol, texts);
+}
+
+bool VCUTableNewColumn::CalculateStatuses(VCUTable* table, const int32_t* rows, int64_t count,
+                                          uint16_t* out) {
+  return ForEachRowRun(rows, 0, count, INT64_MAX, [&](int64_t first, int64_t n, int64_t at) {
+    return table->GetStatusValues(m_impl->statusCol, first, n, out + at);
+  });
 }
 
 bool VCUTableNewColumn::CalculateValues_D(VCUTable* table, const int32_t* rows, int64_t count,

@@ -90,14 +90,40 @@ bool VCUTableProcessor::SetFilter(VCUTableFilter* filter) {
   return true;
 }
 
+bool VCUTableProcessor::SetSort(VCUTableSort* sort) {
+  m_state->sort = sort;
+  return true;
+}
+
+bool VCUTableProcessor::AddCompress(VCUTableCompress* compress) {
+  try {
+    m_state->compressions.push_back(compress);
+  } catch (...) {
+    return FailMemory("VCUTableProcessor::AddCompress");
+  }
+  return true;
+}
+
 bool VCUTableProcessor::ClearOperations() {
   m_state->filter = nullptr;
+  m_state->sort = nullptr;
+  m_state->compressions.clear();
   return true;
 }
 
 bool VCUTableProcessor::AddOutputColumn(const char* keyword) {
   try {
-    m_state->outputCols.push_back({VCString(keyword), -1});
+    m_state->outputCols.push_back({VCString(keyword)});
+  } catch (...) {
+    return FailMemory("VCUTableProcessor::AddOutputColumn");
+  }
+  return true;
+}
+
+bool VCUTableProcessor::AddOutputColumn(VCUTableNewColumn* column) {
+  assert(column != nullptr);
+  try {
+    m_state->outputCols.push_back({VCString(), column});
   } catch (...) {
     return FailMemory("VCUTableProcessor::AddOutputColumn");
   }
@@ -108,7 +134,7 @@ bool VCUTableProcessor::RemoveOutputColumn(const char* keyword) {
   auto& cols = m_state->outputCols;
   const char* wanted = keyword ? keyword : "";
   auto at = std::find_if(cols.begin(), cols.end(), [&](const OutputColumn& c) {
-    return c.keyword.CompareNoCase(wanted) == 0;
+    return (c.computed ? c.computed->GetKeyword() : c.keyword).CompareNoCase(wanted) == 0;
   });
   if (at == cols.end()) return Fail(-655968, "VCUTableProcessor::RemoveOutputColumn", wanted);
   cols.erase(at);
@@ -157,15 +183,23 @@ bool VCUTableProcessor::Validate() {
   }
   if (s.outputCols.empty()) return Fail(-655972, kLocation);
   for (OutputColumn& col : s.outputCols) {
-    if (!s.data.GetColIndexFromKeyword(col.keyword, &col.merged)) return false;
+    if (col.computed ? !col.computed->Validate(&s.data)
+                     : !s.data.GetColIndexFromKeyword(col.keyword, &col.merged)) {
+      return false;
+    }
+    col.resolved = true;
   }
-  return s.filter == nullptr || s.filter->Validate(&s.data);
+  if (s.filter != nullptr && !s.filter->Validate(&s.data)) return false;
+  for (VCUTableCompress* compress : s.compressions) {
+    if (!compress->Validate(&s.data)) return false;
+  }
+  return s.sort == nullptr || s.sort->Validate(&s.data);
 }
 
 bool VCUTableProcessor::Process() {
   bool ok = false;
   try {
-    ok = Validate() && BuildRowMap() && RunFilter();
+    ok = Validate() && BuildRowMap() && RunFilter() && RunCompressionsAndSort();
   } catch (...) {
     FailMemory("VCUTableProcessor::Process");
   }
@@ -192,10 +226,8 @@ bool VCUTableProcessor::BuildRowMap() {
       }
     }
   }
-  for (size_t col = 0; col < s.merged.size(); ++col) {
-    if (s.merged[col].writable && !RefillWritable(s, static_cast<int32_t>(col), kLocation)) {
-      return false;
-    }
+  for (MergedColumn& mc : s.merged) {
+    if (mc.writable && !ResetWritable(s, mc, kLocation)) return false;
   }
   return true;
 }
@@ -224,6 +256,14 @@ bool VCUTableProcessor::RunFilter() {
     if (!s.outputRows.Append(passed.data(), kept)) return FailMemory(kLocation);
   }
   return true;
+}
+
+bool VCUTableProcessor::RunCompressionsAndSort() {
+  VCUTableProcessorState& s = *m_state;
+  for (VCUTableCompress* compress : s.compressions) {
+    if (!compress->DoCompress(&s.data, s.outputRows)) return false;
+  }
+  return s.sort == nullptr || s.sort->DoSort(&s.data, s.outputRows);
 }
 
 VCUTable* VCUTableProcessor::GetOutputTable() {

@@ -1,6 +1,7 @@
 #include <utilkit/table/table_sort.h>
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 #include <utilkit/base/vc_string.h>
@@ -39,7 +40,7 @@ struct VCUTableSort::Impl {
   VCUTable* table = nullptr;
   const int32_t* rows = nullptr;
   int64_t count = 0;
-  std::vector<std::vector<uint64_t>> keys;  // per sort column, one key per row
+  std::unique_ptr<uint64_t[]> keys;  // one sort column's keys, one per row
   ColumnKeys loader;
 };
 
@@ -95,28 +96,34 @@ bool VCUTableSort::Validate(VCUTable* table) {
   return Fail(-655988, kValidate, nullptr, 1);
 }
 
+// Orders the positions of the rows column by column (see key_order.h),
+// loading one column's keys at a time into one buffer, and stops early once
+// no two rows are left equal.
 bool VCUTableSort::DoSort(VCUTable* table, VCDataArray<int32_t>& rows) {
   Impl& s = *m_impl;
   s.table = table;
   s.rows = rows.GetData();
   s.count = rows.GetSize();
-  std::vector<int32_t> order;
   auto run = [&] {
+    const auto n = static_cast<size_t>(s.count);
+    std::unique_ptr<int32_t[]> order;
+    KeyOrder keyOrder;
     try {
-      s.keys.assign(s.columns.size(), {});
-      order.resize(static_cast<size_t>(s.count));
+      order.reset(new int32_t[n]);
+      s.keys.reset(new uint64_t[n]);
     } catch (...) {
       return Fail(-655998, kDoSort);
     }
-    std::vector<KeyColumn> columns;
-    for (size_t i = 0; i < s.columns.size(); ++i) {
+    if (!keyOrder.Start(s.count, order.get())) return Fail(-655998, kDoSort);
+    for (size_t i = 0; i < s.columns.size() && !keyOrder.Sorted(); ++i) {
       if (!LoadColumnData(static_cast<int32_t>(i))) return false;
-      columns.push_back({s.keys[i].data(), s.columns[i].ascending == 0});
+      if (!keyOrder.Refine(s.keys.get(), s.columns[i].ascending == 0, i + 1 == s.columns.size())) {
+        return Fail(-655998, kDoSort);
+      }
     }
-    if (!KeyOrder(columns, s.count, order.data())) return Fail(-655998, kDoSort);
-    s.keys.clear();
-    for (int32_t& k : order) k = s.rows[k];
-    std::copy(order.begin(), order.end(), rows.GetData());
+    s.keys.reset();
+    for (size_t k = 0; k < n; ++k) order[k] = s.rows[order[k]];
+    std::copy(order.get(), order.get() + n, rows.GetData());
     return s.categoryIndex < 0 || DoCategoryTrim(table, rows);
   };
   bool ok = false;
@@ -125,7 +132,7 @@ bool VCUTableSort::DoSort(VCUTable* table, VCDataArray<int32_t>& rows) {
   } catch (...) {
     FailMemory(kDoSort);
   }
-  s.keys.clear();
+  s.keys.reset();
   s.loader.Clear();
   s.table = nullptr;
   s.rows = nullptr;
@@ -136,18 +143,13 @@ bool VCUTableSort::DoSort(VCUTable* table, VCDataArray<int32_t>& rows) {
 bool VCUTableSort::LoadColumnData(int32_t sortColumn) {
   Impl& s = *m_impl;
   const VCUTableSort_Col& col = s.columns[static_cast<size_t>(sortColumn)];
-  std::vector<uint64_t>& keys = s.keys[static_cast<size_t>(sortColumn)];
-  try {
-    keys.resize(static_cast<size_t>(s.count));
-  } catch (...) {
-    return Fail(-655998, kLoad);
-  }
+  if (!s.keys) return Fail(-655998, kLoad);
   if (!s.loader.Bind(s.table, col.colIndex, col.type, ColumnKeys::Mode::Order,
                      col.caseSensitive == 0) ||
-      !s.loader.Load(s.rows, 0, s.count, keys.data())) {
+      !s.loader.Load(s.rows, 0, s.count, s.keys.get())) {
     return false;
   }
-  if (!s.loader.Finish(keys.data(), s.count)) return Fail(-655998, kLoad);
+  if (!s.loader.Finish(s.keys.get(), s.count)) return Fail(-655998, kLoad);
   s.loader.Clear();
   return true;
 }

@@ -393,6 +393,43 @@ TEST_F(TableProcessorTest, WritableColumns) {
   EXPECT_EQ(OutputDoubles(0), (std::vector<double>{1, 2, 3, 4, 5}));
 }
 
+// Written cells lie over the input's wherever a read starts or ends; the
+// input table itself is never changed.
+TEST_F(TableProcessorTest, WrittenCellsShowInEveryReadThatCoversThem) {
+  std::vector<double> values(200);
+  std::vector<uint16_t> status(200, 0x8000);
+  for (size_t i = 0; i < values.size(); ++i) values[i] = static_cast<double>(i + 1);
+  VCUTableMemory big("Big");
+  big.AddCol("V", 200, values.data());
+  big.SetColStatus("V", 200, status.data());
+  big.SetNumRows(200);
+  processor->AddInputTable(&big);
+  processor->AddOutputColumn("V");
+  ASSERT_TRUE(processor->Process());
+  VCUTableData* merged = processor->GetInputData();
+  ASSERT_TRUE(merged->SetColWritable(0));
+  for (const int64_t row : {1, 64, 65, 200}) {
+    ASSERT_TRUE(merged->WriteInputColValue(0, row, -static_cast<double>(row)));
+  }
+  ASSERT_TRUE(merged->WriteInputColStatusValue(0, 65, 0x0004));
+  ASSERT_TRUE(merged->SetColWritable(0));  // keeps what was written
+  double read[8] = {};
+  ASSERT_TRUE(merged->GetValues_D(0, 62, 5, read));
+  EXPECT_EQ(std::vector<double>(read, read + 5), (std::vector<double>{62, 63, -64, -65, 66}));
+  ASSERT_TRUE(merged->GetValues_D(0, 200, 1, read));
+  EXPECT_EQ(read[0], -200);
+  uint16_t words[3] = {};
+  ASSERT_TRUE(merged->GetStatusValues(0, 64, 3, words));
+  EXPECT_EQ(std::vector<uint16_t>(words, words + 3),
+            (std::vector<uint16_t>{0x8000, 0x0004, 0x8000}));
+  std::vector<double> all = OutputDoubles(0);
+  EXPECT_EQ(all[0], -1);
+  EXPECT_EQ(all[1], 2);
+  double original = 0;
+  ASSERT_TRUE(big.GetValues_D(0, 64, 1, &original));
+  EXPECT_EQ(original, 64);
+}
+
 TEST_F(TableProcessorTest, WritableColumnWithoutStatusRefusesStatusWrites) {
   processor->AddInputTable(&b);
   processor->AddOutputColumn("Force");

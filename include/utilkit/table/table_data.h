@@ -33,12 +33,15 @@
 //   the first failing cell.
 // - The keywords "ElementId" and "NodeId" have no special role here; they
 //   are ordinary column keywords.
-// - Writable columns: SetColWritable gives a Double column its own values
-//   (and status words when it has status), one per merged row, filled from
-//   the inputs; its GetValues_D and GetStatusValues then read those. The
-//   buffers are refilled from the inputs whenever the merged rows are
-//   rebuilt (Process), and dropped when the merged columns are (Validate,
-//   changes of the input tables).
+// - Writable columns: SetColWritable lets values (and, for a column with
+//   status, status words) be written to a Double column, one merged row at
+//   a time; from then on its GetValues_D and GetStatusValues read the
+//   written cells where there are some and the input tables elsewhere. The
+//   input tables are never changed: the view keeps only the cells written
+//   (so making a column writable costs a bit per row, not a copy of it).
+//   Written cells are forgotten whenever the merged rows are rebuilt
+//   (Process), and the column stops being writable when the merged columns
+//   are dropped (Validate, changes of the input tables).
 //
 // Errors: -655974 "Column index out of range" and -655975 "Row number out
 // of range" at "VCUTableData::<member>"; a run naming an input table that
@@ -61,7 +64,7 @@ class UTILKIT_API VCUTableData : public VCUTable {
 
   // Makes a Double column writable (a second call keeps the values written
   // so far). Fails with -655974 for a bad index, -656000 for another type,
-  // or with an input table's read error.
+  // or when memory runs out.
   bool SetColWritable(int32_t col);
   // True when `col` is a writable column.
   bool GetColWritable(int32_t col) const;

@@ -16,9 +16,12 @@
 //   stress->SetDivZeroTrap(1, 0.0);
 //   processor.AddOutputColumn(stress);   // the processor does not own it
 //
-// In a table processor's output, expression and divide-by-column values are
-// computed from the merged row that each output row shows, and a row index
-// numbers the output rows: the first output row gets `start`.
+// In a table processor's output, expression and divide-by-column values
+// (and the status) are computed from the merged row that each output row
+// shows, and a row index numbers the output rows from 0:
+// CalculateRowValue_H is asked for row 0 for the first output row, so it
+// shows start - 1, then start, start + 1 ... (SetGenerateRowIndex(1) gives
+// 0, 1, 2 ...).
 // SetDivideByCol takes precedence over an expression once called;
 // otherwise the last of SetExpression and SetGenerateRowIndex decides.
 // Variables and divisors read their columns as Double: another type fails
@@ -91,6 +94,9 @@ class UTILKIT_API VCUTableNewColumn : public VCUTableOperation {
   // reading each column the expression uses once per block of rows.
   // Results and errors are those of row-by-row calculation.
   bool CalculateValues_D(VCUTable* table, const int32_t* rows, int64_t count, double* out);
+  // CalculateRowStatus for rows[0, count) into out[0, count), reading each
+  // run of consecutive rows in one block; errors are the table's.
+  bool CalculateStatuses(VCUTable* table, const int32_t* rows, int64_t count, uint16_t* out);
 
  private:
   struct Impl;

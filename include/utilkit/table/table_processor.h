@@ -1,11 +1,14 @@
-// VCUTableProcessor: merges input tables, filters the merged rows and shows
-// the result as an output table.
+// VCUTableProcessor: merges input tables, filters, compresses and sorts the
+// merged rows and shows the result as an output table.
 //
 // The host adds input tables (whole, or with a selection of their rows),
-// chooses output columns, optionally sets a filter, and calls Process. The
-// merged rows are those of every input table in the order added; Process
-// keeps the merged rows that pass the filter in one array of merged row
-// numbers, which the output table shows.
+// chooses output columns (plain ones by keyword, computed ones as
+// VCUTableNewColumn objects), optionally sets a filter, compressions and a
+// sort, and calls Process. The merged rows are those of every input table
+// in the order added; Process keeps the merged rows that pass the filter,
+// then runs every compression in the order added, then the sort (with its
+// category trim), leaving one array of merged row numbers that the output
+// table shows.
 //
 //   VCUTableProcessor processor;
 //   processor.AddInputTable(&testsA);
@@ -17,11 +20,19 @@
 //   filter.SetCompare(VTTableFilterCompare::GreaterThan);
 //   filter.SetCompareValue(VCVariant(2.0));
 //   processor.SetFilter(&filter);
+//   VCUTableSort sort;
+//   sort.AddColumn("Force", 0, 1);   // largest first
+//   processor.SetSort(&sort);
+//   VCUTableNewColumn stress;
+//   stress.SetKeyword("Stress");
+//   stress.SetExpression("#Force# / #Area#");
+//   processor.AddOutputColumn(&stress);
 //   if (processor.Process()) processor.GetOutputTable()->DumpTableToScreen();
 //
-// Ownership: input tables and the filter stay the host's and must outlive
-// their use by the processor; the merged view and the output table belong
-// to the processor. Not copyable.
+// Ownership: input tables and operations (filter, sort, compressions, new
+// columns) stay the host's and must outlive their use by the processor;
+// the merged view and the output table belong to the processor. Not
+// copyable.
 //
 // Columns: in the common-columns mode (the default) the merged columns are
 // the first input table's columns that every other input table has with
@@ -49,8 +60,11 @@
 #include <utilkit/base/export.h>
 #include <utilkit/base/vc_array.h>
 #include <utilkit/table/table.h>
+#include <utilkit/table/table_compress.h>
 #include <utilkit/table/table_data.h>
 #include <utilkit/table/table_filter.h>
+#include <utilkit/table/table_new_column.h>
+#include <utilkit/table/table_sort.h>
 
 class UTILKIT_API VCUTableProcessor {
  public:
@@ -78,14 +92,23 @@ class UTILKIT_API VCUTableProcessor {
 
   // Sets the filter (null for none; not owned). Never fails.
   bool SetFilter(VCUTableFilter* filter);
-  // Removes the filter. Never fails.
+  // Sets the sort (null for none; not owned). Never fails.
+  bool SetSort(VCUTableSort* sort);
+  // Appends a compression (not owned), run after those added before it.
+  // Fails only when memory runs out.
+  bool AddCompress(VCUTableCompress* compress);
+  // Removes the filter, the sort and the compressions. Never fails.
   bool ClearOperations();
 
   // Appends a plain output column showing the merged column `keyword`
-  // (checked by Validate). Never fails.
+  // (checked by Validate). Fails only when memory runs out.
   bool AddOutputColumn(const char* keyword);
-  // Removes the first output column whose keyword matches ignoring case;
-  // -655968 "Column not found: <keyword>" when there is none.
+  // Appends a computed output column (not owned; validated against the
+  // merged view by Validate). Fails only when memory runs out.
+  bool AddOutputColumn(VCUTableNewColumn* column);
+  // Removes the first output column whose keyword (a computed column's own
+  // keyword) matches ignoring case; -655968 "Column not found: <keyword>"
+  // when there is none.
   bool RemoveOutputColumn(const char* keyword);
   // Removes every output column. Never fails.
   bool ClearOutputColumns();
@@ -106,12 +129,14 @@ class UTILKIT_API VCUTableProcessor {
 
   // Checks the configuration and rebuilds the merged columns: -655971 no
   // input tables, -655972 no output columns, -655968 an output column that
-  // is not a merged column, -655969 see GetColIndeces, and the filter's
-  // errors.
+  // is not a merged column, -655969 see GetColIndeces, then the errors of
+  // each computed column's, the filter's, each compression's and the
+  // sort's Validate, in that order.
   bool Validate();
-  // Validate, build the merged rows (-655964 over the row limit), then
-  // filter them. Any failure adds -655963 (flag 1) at
-  // "VCUTableProcessor::Process".
+  // Validate, build the merged rows (-655964 over the row limit), filter
+  // them, run the compressions in order, then the sort. Any failure adds
+  // -655963 (flag 1) at "VCUTableProcessor::Process"; the output rows are
+  // then unspecified.
   bool Process();
 
   // The output table (owned by the processor).
@@ -122,6 +147,7 @@ class UTILKIT_API VCUTableProcessor {
  private:
   bool BuildRowMap();
   bool RunFilter();
+  bool RunCompressionsAndSort();
   bool CollectColumns(VCArray<VCString>* keywords, VCArray<VTTableDataType>* types);
 
   std::unique_ptr<VCUTableProcessorState> m_state;
