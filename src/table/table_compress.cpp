@@ -233,17 +233,16 @@ bool VCUTableCompress::Compress() {
       groups.status.push_back(status[ii]);
       if (textSelect) groups.bestText.push_back(texts[static_cast<int32_t>(i)].str());
     };
-    auto join = [&](int32_t group, int64_t i, int32_t table) {
-      const auto g = static_cast<size_t>(group);
+    auto joinSum = [&](size_t g, int64_t i) {
+      ++groups.count[g];
+      groups.sum[g] += values[static_cast<size_t>(i)];
+      if (s.selectHasStatus) groups.status[g] |= status[static_cast<size_t>(i)];
+      rows[begin + i] = -1;
+    };
+    auto joinBest = [&](size_t g, int64_t i, int32_t table) {
       const auto ii = static_cast<size_t>(i);
       const int64_t at = begin + i;
       ++groups.count[g];
-      if (sum) {
-        groups.sum[g] += values[ii];
-        if (s.selectHasStatus) groups.status[g] |= status[ii];
-        rows[at] = -1;
-        return;
-      }
       bool better = false;
       if (prefer && table != groups.bestTable[g]) {
         better = table > groups.bestTable[g];
@@ -264,6 +263,13 @@ bool VCUTableCompress::Compress() {
       groups.bestAt[g] = static_cast<int32_t>(at);
       groups.bestTable[g] = table;
       groups.bestKey[g] = selectKeys[ii];
+    };
+    auto join = [&](int32_t group, int64_t i, int32_t table) {
+      if (sum) {
+        joinSum(static_cast<size_t>(group), i);
+      } else {
+        joinBest(static_cast<size_t>(group), i, table);
+      }
     };
 
     // Integer search keys within the direct table: every row's entry at once.
