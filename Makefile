@@ -28,6 +28,12 @@ build: deps
 run: build
 	build/release/tools/utilkit table -f "Peak > 10 AND NOT Grade = low" -c Test,Peak,Grade \
 	  examples/tests_a.csv examples/tests_b.csv
+	build/release/tools/utilkit table --sort "Rig,Load:desc" --category Rig:1 -c Run,Rig,Load \
+	  examples/runs.csv
+	build/release/tools/utilkit table --compress Channel:Peak:later -c Test,Channel,Peak \
+	  examples/tests_a.csv examples/tests_b.csv
+	build/release/tools/utilkit table -f "Channel = 3" --new 'Energy=#Peak# * #Time# / 1000 + 1' \
+	  --row-index No -c No,Name,Time,Energy examples/signals.csv
 	build/release/tools/utilkit calc --expr '#Peak# * #Time# / 1000 + 1' examples/signals.csv
 
 dev: deps

@@ -48,10 +48,44 @@ Filter:
   the value. Values are numbers, 'text', "text" or bare words; an Enum
   column compares with an option name or a code. Column names with spaces
   go in [brackets]. CONTAINS, STARTSWITH and ENDSWITH need a text column.
+Order of work:
+  The filter, then each --compress in the order given, then --sort with its
+  --category trim. Computed columns are worked out from the rows that remain.
+Sort (--sort KEY,KEY,...):
+  KEY is COLUMN with any of :asc :desc :case :nocase (default :asc:nocase).
+  Rows with equal keys keep their order. Embedded numbers order by value
+  (x9 before x10); Enum columns order by option name; NaN comes last (first
+  when descending). --category COLUMN[:N] keeps the first N rows (default 1;
+  0 keeps one too) of each distinct value of the sort keys up to COLUMN,
+  which must be a sort key; it compares texts ignoring case.
+Compression (--compress SEARCH,...:SELECT[:max|min|sum][:later]):
+  Rows with equal values in every SEARCH column form a group (texts compare
+  with case, a NaN never groups); each group becomes its row with the
+  largest SELECT value (max, the default; the first of equal ones), the
+  smallest (min), or its first row holding the sum of the group's values
+  and the OR of their status words (sum; SELECT must be a double column).
+  With :later a row of a later file wins over rows of earlier files
+  whatever its value.
+Computed columns:
+  --new NAME=EXPRESSION    #Col# is column Col's value, #Col_status# its status
+                           word; names ignore case. + - * / ^, functions such
+                           as log, sqrt, abs (see `utilkit calc --help`).
+  --new NAME=NUMBER/[COL]  NUMBER divided by column COL
+  Variables and divisors must be double columns (declare `name:double`).
+  --row-index NAME[=FIRST] numbers the output rows FIRST, FIRST+1, ... (default 1)
+  --new-status NAME=COL    the computed column NAME carries COL's status
+  --div-zero V, --log-zero V   a cell dividing by zero or taking the log of
+                           zero reads V instead of failing (every computed column)
+  A computed column goes where -c names it; those not named follow the other
+  columns, in the order given, the row index last. Names in [brackets] may
+  hold , : or =.
 Examples:
   utilkit table examples/tests_a.csv examples/tests_b.csv
   utilkit table -f "Peak > 10 AND NOT Grade = low" -c Test,Peak examples/tests_*.csv
-  utilkit table --all-columns --format dump examples/tests_a.csv examples/tests_b.csv)";
+  utilkit table --all-columns --format dump examples/tests_a.csv examples/tests_b.csv
+  utilkit table --sort "Rig,Load:desc" --category Rig:1 examples/runs.csv
+  utilkit table --compress Channel:Peak:later examples/tests_a.csv examples/tests_b.csv
+  utilkit table --new "Rate=#Load# / #Seconds#" --div-zero 0 --row-index No examples/runs.csv)";
 
 // Files at least this large get a progress line (when it can be seen).
 constexpr int64_t kProgressBytes = 1 << 20;
@@ -84,7 +118,8 @@ class Progress {
   bool m_shown = false;
 };
 
-int Fail(const std::string& message) {
+int Fail(std::string message) {
+  while (!message.empty() && message.back() == '\n') message.pop_back();
   std::fprintf(stderr, "utilkit table: %s\n", message.c_str());
   return 1;
 }
@@ -158,6 +193,11 @@ int Write(VCUTable& table, const TableOptions& options) {
 
 int RunTable(const TableOptions& options) {
   VFErrorClear();
+  // The option texts are read before any file is.
+  utilkit::tool::TableOperations operations;
+  if (std::string error; !utilkit::tool::BuildTableOperations(options.job, &operations, &error)) {
+    return Fail(error);
+  }
   std::vector<std::unique_ptr<VCUTableMemory>> tables;
   std::vector<utilkit::tool::TableInput> inputs;
   for (const std::string& argument : options.inputs) {
@@ -170,10 +210,8 @@ int RunTable(const TableOptions& options) {
     }
   }
   VCUTableProcessor processor;
-  std::unique_ptr<VCUTableFilter> filter;
-  std::string error;
-  if (!utilkit::tool::RunTableJob(inputs, options.job, &processor, &filter, &error)) {
-    return error.empty() ? FailWithErrors() : Fail(error);
+  if (!utilkit::tool::RunTableJob(inputs, options.job, operations, &processor)) {
+    return FailWithErrors();
   }
   return Write(*processor.GetOutputTable(), options);
 }
@@ -183,13 +221,46 @@ int RunTable(const TableOptions& options) {
 void AddTableCommand(CLI::App& app) {
   auto options = std::make_shared<TableOptions>();
   CLI::App* table = app.add_subcommand(
-      "table", "Merge CSV files, filter their rows and write the chosen columns");
+      "table", "Merge CSV files; filter, compress and sort the rows; add computed columns");
   table->add_option("files", options->inputs, "CSV files, each FILE or FILE@ROWS")->required();
   table->add_option("--columns,-c", options->job.columns,
                     "Output columns, comma-separated (default: every merged column)");
   table->add_flag("--all-columns,-a", options->job.allColumns,
                   "Merge every column of any file, not only the common ones");
   table->add_option("--filter,-f", options->job.filter, "Keep the rows that pass this filter");
+  table->add_option("--sort", options->job.sort, "Sort the rows by these keys (see below)")
+      ->type_name("KEY,...");
+  table
+      ->add_option("--category", options->job.category,
+                   "Keep the first N sorted rows (default 1) of each category")
+      ->type_name("COLUMN[:N]");
+  table
+      ->add_option("--compress", options->job.compress,
+                   "One row per group of equal SEARCH values; repeatable, run in order")
+      ->type_name("SEARCH,...:SELECT[:max|min|sum][:later]")
+      ->allow_extra_args(false);
+  table
+      ->add_option("--new", options->job.newColumns,
+                   "A computed column: an expression or NUMBER / [COLUMN]; repeatable")
+      ->type_name("NAME=EXPRESSION")
+      ->allow_extra_args(false);
+  table
+      ->add_option("--row-index", options->job.rowIndex,
+                   "A column numbering the output rows from FIRST (default 1)")
+      ->type_name("NAME[=FIRST]");
+  table
+      ->add_option("--new-status", options->job.newStatus,
+                   "The computed column NAME carries COLUMN's status; repeatable")
+      ->type_name("NAME=COLUMN")
+      ->allow_extra_args(false);
+  table
+      ->add_option("--div-zero", options->job.divZero,
+                   "A computed cell that divides by zero reads VALUE (default: an error)")
+      ->type_name("VALUE");
+  table
+      ->add_option("--log-zero", options->job.logZero,
+                   "A computed cell that takes the log of zero reads VALUE (default: an error)")
+      ->type_name("VALUE");
   table->add_option("--output,-o", options->output, "Write here instead of standard output");
   table->add_option("--format", options->format, "csv or dump (the table dump format)")
       ->check(CLI::IsMember({"csv", "dump"}))

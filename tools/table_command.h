@@ -1,8 +1,9 @@
 // `utilkit table`: merges the rows of CSV files with the table processor,
-// filters them and writes the chosen columns as CSV or as a table dump.
+// filters, compresses and sorts them, adds computed columns, and writes the
+// chosen columns as CSV or as a table dump.
 //
-//   utilkit table -f 'Peak > 10 AND Grade = low' -c Test,Peak examples/tests_a.csv
-//       examples/tests_b.csv    (one command line)
+//   utilkit table -f 'Peak > 10 AND Grade = low' --sort Peak:desc -c Test,Peak
+//       examples/tests_a.csv examples/tests_b.csv    (one command line)
 #pragma once
 
 #include <CLI/CLI.hpp>

@@ -6,6 +6,7 @@
 #include <utilkit/base/vc_string_array.h>
 
 #include "table_filter_text.h"
+#include "table_ops_text.h"
 
 namespace utilkit::tool {
 
@@ -33,10 +34,76 @@ void SplitInputArgument(const std::string& argument, std::string* name, std::vec
   *selected = true;
 }
 
-bool RunTableJob(const std::vector<TableInput>& inputs, const TableJob& job,
-                 VCUTableProcessor* processor, std::unique_ptr<VCUTableFilter>* filter,
-                 std::string* error) {
+namespace {
+
+// The computed column named `name` ignoring case, or null.
+VCUTableNewColumn* FindNewColumn(const TableOperations& operations, const VCString& name) {
+  for (const auto& column : operations.newColumns) {
+    if (column->GetKeyword().CompareNoCase(name) == 0) return column.get();
+  }
+  return nullptr;
+}
+
+bool BuildNewColumns(const TableJob& job, TableOperations* operations, std::string* error) {
+  auto& columns = operations->newColumns;
+  for (const std::string& text : job.newColumns) {
+    columns.push_back(ParseNewColumnText(text, error));
+    if (!columns.back()) return false;
+  }
+  if (!job.rowIndex.empty()) {
+    columns.push_back(ParseRowIndexText(job.rowIndex, error));
+    if (!columns.back()) return false;
+  }
+  for (size_t i = 0; i < columns.size(); ++i) {
+    if (FindNewColumn(*operations, columns[i]->GetKeyword()) != columns[i].get()) {
+      *error = "new: two computed columns are named " + columns[i]->GetKeyword().str();
+      return false;
+    }
+  }
+  for (const std::string& text : job.newStatus) {
+    std::string name, source;
+    if (!ParseNewStatusText(text, &name, &source, error)) return false;
+    VCUTableNewColumn* column = FindNewColumn(*operations, name.c_str());
+    if (column == nullptr) {
+      *error = "new-status: no computed column is named " + name;
+      return false;
+    }
+    column->SetHasStatus(1);
+    column->SetStatusColumn(source.c_str());
+  }
+  double divZero = 0, logZero = 0;
+  if ((!job.divZero.empty() && !ParseTrapText("div-zero", job.divZero, &divZero, error)) ||
+      (!job.logZero.empty() && !ParseTrapText("log-zero", job.logZero, &logZero, error))) {
+    return false;
+  }
+  for (const auto& column : columns) {
+    column->SetDivZeroTrap(job.divZero.empty() ? 0 : 1, divZero);
+    column->SetLogZeroTrap(job.logZero.empty() ? 0 : 1, logZero);
+  }
+  return true;
+}
+
+}  // namespace
+
+bool BuildTableOperations(const TableJob& job, TableOperations* operations, std::string* error) {
   error->clear();
+  if (!job.filter.empty()) {
+    operations->filter = ParseTableFilter(job.filter, error);
+    if (!operations->filter) return false;
+  }
+  if (!job.sort.empty() || !job.category.empty()) {
+    operations->sort = ParseSortText(job.sort, job.category, error);
+    if (!operations->sort) return false;
+  }
+  for (const std::string& text : job.compress) {
+    operations->compressions.push_back(ParseCompressText(text, error));
+    if (!operations->compressions.back()) return false;
+  }
+  return BuildNewColumns(job, operations, error);
+}
+
+bool RunTableJob(const std::vector<TableInput>& inputs, const TableJob& job,
+                 const TableOperations& operations, VCUTableProcessor* processor) {
   // Once one input selects rows the processor takes selected rows only, so
   // inputs given whole then select all their rows.
   const bool anySelected =
@@ -56,17 +123,30 @@ bool RunTableJob(const std::vector<TableInput>& inputs, const TableJob& job,
   }
   // Adding every merged column is also how the column-set mode is chosen.
   if (!processor->AddAllInputColsToOutput(job.allColumns ? 0 : 1)) return false;
+  std::vector<const VCUTableNewColumn*> placed;
   if (!job.columns.empty()) {
     processor->ClearOutputColumns();
     VCStringArray names;
     names.SplitString(job.columns.c_str(), ",",
                       VCStringArray::kSplitTrim | VCStringArray::kSplitSkipEmpty);
-    for (const VCString& name : names) processor->AddOutputColumn(name);
+    for (const VCString& name : names) {
+      VCUTableNewColumn* column = FindNewColumn(operations, name);
+      if (column) placed.push_back(column);
+      if (!(column ? processor->AddOutputColumn(column) : processor->AddOutputColumn(name))) {
+        return false;
+      }
+    }
   }
-  if (!job.filter.empty()) {
-    *filter = ParseTableFilter(job.filter, error);
-    if (!*filter) return false;
-    processor->SetFilter(filter->get());
+  for (const auto& column : operations.newColumns) {
+    if (std::find(placed.begin(), placed.end(), column.get()) == placed.end() &&
+        !processor->AddOutputColumn(column.get())) {
+      return false;
+    }
+  }
+  processor->SetFilter(operations.filter.get());
+  processor->SetSort(operations.sort.get());
+  for (const auto& compress : operations.compressions) {
+    if (!processor->AddCompress(compress.get())) return false;
   }
   return processor->Process();
 }

@@ -172,8 +172,8 @@ class GroupIndex {
   size_t m_columns;
   std::vector<uint64_t> m_low, m_span;  // the direct table's span per column
   std::vector<int32_t> m_direct;        // group per combination; empty: hashing
-  std::vector<uint64_t> m_slots;  // fingerprint << 32 | (group + 1); 0 is empty
-  std::vector<uint64_t> m_keys;   // `m_columns` keys per group
+  std::vector<uint64_t> m_slots;        // fingerprint << 32 | (group + 1); 0 is empty
+  std::vector<uint64_t> m_keys;         // `m_columns` keys per group
   size_t m_count = 0;
   uint64_t m_hash = 0;  // of the keys last looked up
   size_t m_slot = 0;    // where they would go (a slot or a direct entry)

@@ -136,14 +136,13 @@ TEST_F(OutputTableTest, ComputedColumnsRefuseOtherReaders) {
   EXPECT_FALSE(out->GetStatusValues(0, 1, 1, &status));
   EXPECT_FALSE(out->GetValues_T(1, 1, 1, &texts));
   EXPECT_FALSE(out->GetValues_D(0, 5, 2, &value));
-  EXPECT_EQ(Errors(),
-            (std::vector<Error>{
-                {-655974, "Column index out of range", "VCUOutputTable::GetValues_D"},
-                {1, "Column type mismatch", "VCUOutputTable::GetValues_H"},
-                {1, "Column type mismatch", "VCUOutputTable::GetValues_D"},
-                {1, "Column has no status data", "VCUOutputTable::GetStatusValues"},
-                {1, "Column type mismatch", "VCUOutputTable::GetValues_T"},
-                {-655975, "Row number out of range", "VCUOutputTable::GetValues_D"}}));
+  EXPECT_EQ(Errors(), (std::vector<Error>{
+                          {-655974, "Column index out of range", "VCUOutputTable::GetValues_D"},
+                          {1, "Column type mismatch", "VCUOutputTable::GetValues_H"},
+                          {1, "Column type mismatch", "VCUOutputTable::GetValues_D"},
+                          {1, "Column has no status data", "VCUOutputTable::GetStatusValues"},
+                          {1, "Column type mismatch", "VCUOutputTable::GetValues_T"},
+                          {-655975, "Row number out of range", "VCUOutputTable::GetValues_D"}}));
 }
 
 // Rows (Id, K, G, V). Each step's place in the order shows in the result:

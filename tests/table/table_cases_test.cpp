@@ -4,13 +4,26 @@
 //   [table NAME] or [table NAME@ROWS]   an input table as CSV (header cells
 //              `name`, `name:type`, `name:status`; see tools/table_csv.h),
 //              whole or with the selected rows; tables are added in order
-//   [job]      one setting a line: "all-columns", "columns: A,B",
-//              "filter: <filter text>" (see tools/table_filter_text.h)
+//   [job]      one setting a line, as the options of `utilkit table`:
+//                all-columns
+//                columns: A,B
+//                filter: <filter text>      (see tools/table_filter_text.h)
+//                sort: Name,Time:desc       (the rest: tools/table_ops_text.h)
+//                category: Name:2
+//                compress: Channel:Peak:sum     (may repeat; run in order)
+//                new: Energy=#Peak# * 2         (may repeat)
+//                row-index: Index=0
+//                new-status: Energy=Peak        (may repeat)
+//                div-zero: -1
+//                log-zero: -2
+//              any other line fails the case
 //   [output]   Process must succeed and the output table, written as CSV,
 //              must be this text ([typed]: with `name:type` headers;
-//              [dump]: what DumpTableToScreen prints)
-//   [failure]  the message of a table that does not load or a filter text
-//              that does not parse
+//              [dump]: what DumpTableToScreen prints, which for a cell that
+//              cannot be read ends with the error text and leaves the
+//              records on the stack for [errors])
+//   [failure]  the message of a table that does not load or an option text
+//              that does not read
 //   [errors]   the records on the error stack afterwards, one a line:
 //              code | location | message | flag (none: empty)
 #include <gtest/gtest.h>
@@ -93,14 +106,35 @@ std::string ErrorRecords() {
   return out;
 }
 
+// The [job] settings; a line that is no setting fails the test.
 utilkit::tool::TableJob ReadJob(const std::string* text) {
-  utilkit::tool::TableJob job;
+  using Job = utilkit::tool::TableJob;
+  const std::pair<const char*, std::string Job::*> kSingle[] = {
+      {"columns", &Job::columns},   {"filter", &Job::filter},      {"sort", &Job::sort},
+      {"category", &Job::category}, {"row-index", &Job::rowIndex}, {"div-zero", &Job::divZero},
+      {"log-zero", &Job::logZero}};
+  const std::pair<const char*, std::vector<std::string> Job::*> kRepeated[] = {
+      {"compress", &Job::compress}, {"new", &Job::newColumns}, {"new-status", &Job::newStatus}};
+  Job job;
   std::istringstream lines(text ? *text : "");
   std::string line;
   while (std::getline(lines, line)) {
+    const size_t colon = line.find(": ");
+    const std::string key = line.substr(0, colon);
+    const std::string value = colon == std::string::npos ? "" : line.substr(colon + 2);
+    bool known = line.empty() || line == "all-columns";
     if (line == "all-columns") job.allColumns = true;
-    if (line.rfind("columns: ", 0) == 0) job.columns = line.substr(9);
-    if (line.rfind("filter: ", 0) == 0) job.filter = line.substr(8);
+    for (const auto& [name, member] : kSingle) {
+      if (colon == std::string::npos || key != name) continue;
+      job.*member = value;
+      known = true;
+    }
+    for (const auto& [name, member] : kRepeated) {
+      if (colon == std::string::npos || key != name) continue;
+      (job.*member).push_back(value);
+      known = true;
+    }
+    if (!known) ADD_FAILURE() << "not a [job] setting: " << line;
   }
   return job;
 }
@@ -128,11 +162,12 @@ TEST_P(TableCaseTest, GivesTheExpectedOutputAndErrors) {
       utilkit::tool::CsvToMemoryTable(csv, name, tables.back().get(), &failure);
     }
   }
+  const utilkit::tool::TableJob job = ReadJob(c.Find("job"));
+  utilkit::tool::TableOperations operations;
   VCUTableProcessor processor;
-  std::unique_ptr<VCUTableFilter> filter;
-  const bool processed =
-      failure.empty() &&
-      utilkit::tool::RunTableJob(inputs, ReadJob(c.Find("job")), &processor, &filter, &failure);
+  const bool processed = failure.empty() &&
+                         utilkit::tool::BuildTableOperations(job, &operations, &failure) &&
+                         utilkit::tool::RunTableJob(inputs, job, operations, &processor);
   EXPECT_EQ(Block(failure), c.Find("failure") ? Block(*c.Find("failure")) : "");
   for (const char* format : {"output", "typed", "dump"}) {
     const std::string* expected = c.Find(format);
@@ -143,7 +178,8 @@ TEST_P(TableCaseTest, GivesTheExpectedOutputAndErrors) {
       testing::internal::CaptureStdout();
       processor.GetOutputTable()->DumpTableToScreen();
       std::fflush(stdout);
-      actual = testing::internal::GetCapturedStdout();
+      // A failed dump ends its error text with a blank line.
+      actual = Block(testing::internal::GetCapturedStdout());
     } else {
       std::ostringstream out;
       std::string error;

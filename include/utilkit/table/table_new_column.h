@@ -8,7 +8,9 @@
 // - a row index (a Huge): start + row - 1.
 // Optionally the column has a status, copied row by row from an input
 // column's status. Two traps turn a failing row into a chosen value instead
-// of an error: a division by zero, and the logarithm of zero.
+// of a failure: a division by zero, and the logarithm of zero. A trapped
+// row still leaves the calculator's record (-68445 or -68448) on the error
+// stack, so that a host can tell that a trap fired.
 //
 //   VCUTableNewColumn* stress = new VCUTableNewColumn;
 //   stress->SetKeyword("Stress");
@@ -92,7 +94,8 @@ class UTILKIT_API VCUTableNewColumn : public VCUTableOperation {
 
   // CalculateRowValue_D for rows[0, count) of `table` into out[0, count),
   // reading each column the expression uses once per block of rows.
-  // Results and errors are those of row-by-row calculation.
+  // Results and error codes are those of row-by-row calculation (the
+  // calculator's own records name "VCCalculator::EvaluateBlock").
   bool CalculateValues_D(VCUTable* table, const int32_t* rows, int64_t count, double* out);
   // CalculateRowStatus for rows[0, count) into out[0, count), reading each
   // run of consecutive rows in one block; errors are the table's.
