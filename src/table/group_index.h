@@ -10,8 +10,9 @@
 //
 // Search columns of small integers (channel numbers, flags, enum codes)
 // are common, so when the first keys seen span few values the index starts
-// as a direct table over that span, one entry per combination; the first
-// key outside the span moves every group to the hash table for good.
+// as a direct table over that span (each column's span rounded up to a power
+// of two), one entry per combination; the first key outside the span moves
+// every group to the hash table for good.
 //
 //   GroupIndex index(2);
 //   index.Hint(low, high);                    // per column, of a first sample
@@ -30,22 +31,22 @@ namespace utilkit::table {
 class GroupIndex {
  public:
   explicit GroupIndex(size_t columns)
-      : m_columns(columns), m_low(columns), m_span(columns), m_slots(kFirstSlots, 0) {}
+      : m_columns(columns), m_low(columns), m_bits(columns), m_slots(kFirstSlots, 0) {}
 
   // Before the first Add: the smallest and largest key of each column in a
   // first sample of rows. Uses a direct table when they span few values.
   // Throws std::bad_alloc when memory runs out.
   void Hint(const uint64_t* low, const uint64_t* high) {
     if (m_count != 0) return;
-    uint64_t cells = 1;
+    int bits = 0;
     for (size_t c = 0; c < m_columns; ++c) {
       if (high[c] - low[c] >= kMaxDirect) return;
       m_low[c] = low[c];
-      m_span[c] = high[c] - low[c] + 1;
-      cells *= m_span[c];
-      if (cells > kMaxDirect) return;
+      m_bits[c] = std::bit_width(high[c] - low[c]);
+      bits += m_bits[c];
+      if (bits > kMaxDirectBits) return;
     }
-    m_direct.assign(static_cast<size_t>(cells), -1);
+    m_direct.assign(size_t{1} << bits, -1);
   }
 
   // The group holding `keys` (one per column), or -1. Remembers where a new
@@ -53,14 +54,13 @@ class GroupIndex {
   // (throwing std::bad_alloc when memory runs out).
   int32_t Find(const uint64_t* keys) {
     if (!m_direct.empty()) {
-      uint64_t at = 0;
-      bool inside = true;
+      uint64_t at = 0, outside = 0;
       for (size_t c = 0; c < m_columns; ++c) {
         const uint64_t offset = keys[c] - m_low[c];
-        inside = inside && offset < m_span[c];
-        at = at * m_span[c] + offset;
+        outside |= offset >> m_bits[c];
+        at = (at << m_bits[c]) | offset;
       }
-      if (inside) {
+      if (outside == 0) {
         m_slot = static_cast<size_t>(at);
         return m_direct[m_slot];
       }
@@ -85,18 +85,26 @@ class GroupIndex {
   // Otherwise false, changing nothing.
   bool DirectSlots(const uint64_t* const* keys, int64_t count, uint32_t* entries) const {
     if (m_direct.empty()) return false;
-    for (int64_t i = 0; i < count; ++i) entries[i] = 0;
-    bool inside = true;
+    uint64_t outside = 0;
     for (size_t c = 0; c < m_columns; ++c) {
-      const uint64_t low = m_low[c], span = m_span[c];
+      const uint64_t low = m_low[c];
+      const int bits = m_bits[c];
       const uint64_t* column = keys[c];
+      if (c == 0) {
+        for (int64_t i = 0; i < count; ++i) {
+          const uint64_t offset = column[i] - low;
+          outside |= offset >> bits;
+          entries[i] = static_cast<uint32_t>(offset);
+        }
+        continue;
+      }
       for (int64_t i = 0; i < count; ++i) {
         const uint64_t offset = column[i] - low;
-        inside &= offset < span;
-        entries[i] = static_cast<uint32_t>(entries[i] * span + offset);
+        outside |= offset >> bits;
+        entries[i] = (entries[i] << bits) | static_cast<uint32_t>(offset);
       }
     }
-    return inside;
+    return outside == 0;
   }
   // The group at direct entry `entry`, or -1.
   int32_t DirectGroup(uint32_t entry) const { return m_direct[entry]; }
@@ -126,7 +134,8 @@ class GroupIndex {
 
  private:
   static constexpr size_t kFirstSlots = 1024;
-  static constexpr uint64_t kMaxDirect = uint64_t{1} << 16;
+  static constexpr int kMaxDirectBits = 16;
+  static constexpr uint64_t kMaxDirect = uint64_t{1} << kMaxDirectBits;
   static constexpr size_t kSmallSlots = size_t{1} << 16;
   static constexpr uint64_t kTagMask = ~uint64_t{0} << 32;
 
@@ -170,10 +179,13 @@ class GroupIndex {
   }
 
   size_t m_columns;
-  std::vector<uint64_t> m_low, m_span;  // the direct table's span per column
-  std::vector<int32_t> m_direct;        // group per combination; empty: hashing
-  std::vector<uint64_t> m_slots;        // fingerprint << 32 | (group + 1); 0 is empty
-  std::vector<uint64_t> m_keys;         // `m_columns` keys per group
+  // The direct table's span per column: keys low .. low + 2^bits - 1, so
+  // that a row's entry is its columns' offsets side by side in bits.
+  std::vector<uint64_t> m_low;
+  std::vector<int> m_bits;
+  std::vector<int32_t> m_direct;  // group per combination; empty: hashing
+  std::vector<uint64_t> m_slots;  // fingerprint << 32 | (group + 1); 0 is empty
+  std::vector<uint64_t> m_keys;   // `m_columns` keys per group
   size_t m_count = 0;
   uint64_t m_hash = 0;  // of the keys last looked up
   size_t m_slot = 0;    // where they would go (a slot or a direct entry)

@@ -359,6 +359,17 @@ bool VCUTableMemory::GetValues_D(int32_t col, int64_t first, int64_t count, doub
   return CopyValues(m_impl->cols, col, first, count, VTTableDataType::Double, out);
 }
 
+const double* VCUTableMemory::PeekValues_D(int32_t col, int64_t first, int64_t count) {
+  const auto& cols = m_impl->cols;
+  if (col < 0 || static_cast<size_t>(col) >= cols.size()) return nullptr;
+  const VCUTableMemory_Col& c = *cols[static_cast<size_t>(col)];
+  if (c.type != VTTableDataType::Double || first < 1 || count < 1 ||
+      count > c.Length() - first + 1) {
+    return nullptr;
+  }
+  return Buffer<double>::Get(c.data) + (first - 1);
+}
+
 // Copies the texts of rows first..first+count-1 of a checked column.
 static bool CopyTexts(const VCUTableMemory_Col& c, int64_t first, int64_t count, VCString* out) {
   try {

@@ -6,6 +6,7 @@
 #include <utilkit/base/error_stack.h>
 
 #include "table/merged_read.h"
+#include "table/row_chunks.h"
 
 using namespace utilkit::table;
 
@@ -31,20 +32,8 @@ bool Refuse(const char* location, bool status = false) {
   return false;
 }
 
-// Output rows tested at a time for being consecutive merged rows.
+// Output rows read at a time, at most.
 constexpr int64_t kChunk = 65536;
-
-// The number of consecutive merged rows from rows[0] on, at most `limit`.
-int64_t ConsecutiveRun(const int32_t* rows, int64_t limit) {
-  if (int64_t{rows[limit - 1]} - rows[0] == limit - 1) {
-    int64_t gaps = 0;  // one pass without branches for the common case
-    for (int64_t k = 0; k < limit; ++k) gaps |= rows[k] ^ (int64_t{rows[0]} + k);
-    if (gaps == 0) return limit;
-  }
-  int64_t n = 1;
-  while (n < limit && rows[n] == rows[n - 1] + 1) ++n;
-  return n;
-}
 
 // -655975 unless output rows first..first+count-1 exist (count >= 0).
 bool CheckOutputRows(const VCUTableProcessorState& s, const char* location, int64_t first,
@@ -89,13 +78,10 @@ bool Read(VCUTableProcessorState& s, const char* location, int32_t col, int64_t 
   const OutputColumn* c = OutputAt(s, col, location);
   if (c == nullptr || !CheckOutputRows(s, location, first, count)) return false;
   if (c->computed) return ReadComputed(s, location, *c->computed, first, count, cells);
-  const int32_t* rows = s.outputRows.GetData() + (first - 1);
-  for (int64_t i = 0; i < count;) {
-    const int64_t n = ConsecutiveRun(rows + i, std::min(count - i, kChunk));
-    if (!ReadMergedCells(s, location, c->merged, rows[i], n, cells, i)) return false;
-    i += n;
-  }
-  return true;
+  return ForEachRowRun(s.outputRows.GetData() + (first - 1), 0, count, kChunk,
+                       [&](int64_t row, int64_t n, int64_t at) {
+                         return ReadMergedCells(s, location, c->merged, row, n, cells, at);
+                       });
 }
 
 // Texts or Enum names into an array resized to `count` once the checks pass.

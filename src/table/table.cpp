@@ -32,6 +32,10 @@ bool CellText(VCUTable& table, int32_t col, int64_t row, VCString* text) {
 
 VCUTable::~VCUTable() = default;
 
+const double* VCUTable::PeekValues_D(int32_t, int64_t, int64_t) {
+  return nullptr;
+}
+
 bool VCUTable::GetValues_T(int32_t, int64_t, int64_t, VCString*) {
   return false;
 }

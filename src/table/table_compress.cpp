@@ -1,6 +1,7 @@
 #include <utilkit/table/table_compress.h>
 
 #include <algorithm>
+#include <bit>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,26 @@ struct Groups {
   std::vector<uint16_t> status;       // sums with status
   std::vector<std::string> bestText;  // text select values
 };
+
+// Shortens `list` to the rows at `best` and `alone` (positions in
+// it, in any order), keeping their order.
+void KeepRows(VCDataArray<int32_t>& list, const std::vector<int32_t>& best,
+              const std::vector<int32_t>& alone) {
+  const auto n = static_cast<size_t>(list.GetSize());
+  std::vector<uint64_t> kept((n + 63) / 64, 0);
+  for (const std::vector<int32_t>* positions : {&best, &alone}) {
+    for (const int32_t at : *positions)
+      kept[static_cast<size_t>(at) / 64] |= uint64_t{1} << (at % 64);
+  }
+  int32_t* rows = list.GetData();
+  int32_t size = 0;
+  for (size_t w = 0; w < kept.size(); ++w) {
+    for (uint64_t bits = kept[w]; bits != 0; bits &= bits - 1) {
+      rows[size++] = rows[w * 64 + static_cast<size_t>(std::countr_zero(bits))];
+    }
+  }
+  list.SetSize(size);  // shrinking keeps the storage and cannot fail
+}
 
 }  // namespace
 
@@ -132,28 +153,22 @@ bool VCUTableCompress::DoCompress(VCUTableData* data, VCDataArray<int32_t>& rows
   s.data = nullptr;
   s.rows = nullptr;
   if (!ok) return Fail(-655985, kDoCompress, nullptr, 1);
-  int32_t* data_ = rows.GetData();
-  int32_t kept = 0;
-  for (int32_t k = 0; k < rows.GetSize(); ++k) {
-    if (data_[k] != -1) data_[kept++] = data_[k];
-  }
-  if (!rows.SetSize(kept)) {
-    FailMemory(kDoCompress);
-    return Fail(-655985, kDoCompress, nullptr, 1);
-  }
   return true;
 }
 
-// Walks the rows in order, a chunk at a time, finding each row's group by
-// hashing its search keys. A member that loses to its group's best is
-// marked -1 at once, and so is a best that a later member replaces; sums
-// are written to the groups' first rows at the end.
+// Walks the rows in order, a chunk at a time. A first pass over a chunk
+// finds each row's group by its search keys (starting the groups met for
+// the first time), a second one folds each row into its group: the sum, or
+// the best member so far. The kept rows (each group's best or first member,
+// and the rows that join no group) are gathered at the end; sums are
+// written to the groups' first rows.
 bool VCUTableCompress::Compress() {
   Impl& s = *m_impl;
   VCUTableData& data = *s.data;
   int32_t* rows = s.rows->GetData();
   const int64_t n = s.rows->GetSize();
   const bool sum = s.type == VTCompressType::Sum;
+  const bool maximum = s.type == VTCompressType::Maximum;
   const bool textSelect = !sum && s.selectType == VTTableDataType::Text;
   const bool prefer = s.preferLaterTables != 0 && !sum;
   if (sum && !data.SetColWritable(s.selectIndex)) return false;
@@ -163,7 +178,6 @@ bool VCUTableCompress::Compress() {
   std::vector<std::vector<uint64_t>> keys(columns, std::vector<uint64_t>(kChunk));
   std::vector<bool> real(columns);
   std::vector<const uint64_t*> keyColumns(columns);
-  std::vector<uint32_t> entries(kChunk);
   for (size_t c = 0; c < columns; ++c) {
     keyColumns[c] = keys[c].data();
     loaders[c] = std::make_unique<ColumnKeys>();
@@ -173,6 +187,9 @@ bool VCUTableCompress::Compress() {
       return false;
     }
   }
+  // The direct table serves rows whose tables need not be told apart and
+  // whose keys cannot be NaN.
+  const bool maybeDirect = !prefer && std::find(real.begin(), real.end(), true) == real.end();
   ColumnKeys selectLoader;
   if (!sum && !textSelect &&
       !selectLoader.Bind(&data, s.selectIndex, s.selectType, ColumnKeys::Mode::Equality, false)) {
@@ -181,6 +198,10 @@ bool VCUTableCompress::Compress() {
   std::vector<uint64_t> selectKeys(kChunk);
   std::vector<double> values(kChunk);
   std::vector<uint16_t> status(kChunk);
+  std::vector<int32_t> tables(kChunk);
+  std::vector<int32_t> groupOf(kChunk);
+  std::vector<uint32_t> entries(kChunk);
+  std::vector<int32_t> alone;  // positions of rows that join no group
   VCStringArray texts;
 
   Groups groups;
@@ -208,6 +229,9 @@ bool VCUTableCompress::Compress() {
     } else {
       read = selectLoader.Load(chunk, 0, count, selectKeys.data());
     }
+    for (int64_t i = 0; read && prefer && i < count; ++i) {
+      read = data.GetInputTableIndexForRow(chunk[i], &tables[static_cast<size_t>(i)]);
+    }
     if (!read) return false;
     if (begin == 0) {
       std::vector<uint64_t> low(columns), high(columns);
@@ -218,101 +242,97 @@ bool VCUTableCompress::Compress() {
       }
       index.Hint(low.data(), high.data());
     }
-    // The direct table serves rows whose tables need not be told apart and
-    // whose keys cannot be NaN.
-    const bool direct = !prefer && std::find(real.begin(), real.end(), true) == real.end();
 
-    // A group's first member starts it; a later one joins it.
-    auto start = [&](int64_t i, int32_t table) {
+    // First pass: each row's group, starting the groups met for the first
+    // time with their first member as best (and a sum of 0, which the
+    // second pass adds every member to).
+    auto start = [&](int64_t i) {
       const auto ii = static_cast<size_t>(i);
+      const auto group = static_cast<int32_t>(groups.bestAt.size());
       groups.bestKey.push_back(selectKeys[ii]);
-      groups.sum.push_back(values[ii]);
+      groups.sum.push_back(0);
       groups.bestAt.push_back(static_cast<int32_t>(begin + i));
-      groups.bestTable.push_back(table);
-      groups.count.push_back(1);
-      groups.status.push_back(status[ii]);
+      groups.bestTable.push_back(prefer ? tables[ii] : 0);
+      groups.count.push_back(0);
+      groups.status.push_back(0);
       if (textSelect) groups.bestText.push_back(texts[static_cast<int32_t>(i)].str());
+      return group;
     };
-    auto joinSum = [&](size_t g, int64_t i) {
-      ++groups.count[g];
-      groups.sum[g] += values[static_cast<size_t>(i)];
-      if (s.selectHasStatus) groups.status[g] |= status[static_cast<size_t>(i)];
-      rows[begin + i] = -1;
+    auto keysOf = [&](int64_t i) {
+      for (size_t c = 0; c < columns; ++c) rowKeys[c] = keys[c][static_cast<size_t>(i)];
+      return rowKeys.data();
     };
-    auto joinBest = [&](size_t g, int64_t i, int32_t table) {
-      const auto ii = static_cast<size_t>(i);
-      const int64_t at = begin + i;
-      ++groups.count[g];
-      bool better = false;
-      if (prefer && table != groups.bestTable[g]) {
-        better = table > groups.bestTable[g];
-      } else if (textSelect) {
-        const std::string& text = texts[static_cast<int32_t>(i)].str();
-        better = s.type == VTCompressType::Maximum ? text > groups.bestText[g]
-                                                   : text < groups.bestText[g];
-      } else {
-        better = s.type == VTCompressType::Maximum ? selectKeys[ii] > groups.bestKey[g]
-                                                   : selectKeys[ii] < groups.bestKey[g];
-      }
-      if (!better) {
-        rows[at] = -1;
-        return;
-      }
-      if (textSelect) groups.bestText[g] = texts[static_cast<int32_t>(i)].str();
-      rows[groups.bestAt[g]] = -1;
-      groups.bestAt[g] = static_cast<int32_t>(at);
-      groups.bestTable[g] = table;
-      groups.bestKey[g] = selectKeys[ii];
-    };
-    auto join = [&](int32_t group, int64_t i, int32_t table) {
-      if (sum) {
-        joinSum(static_cast<size_t>(group), i);
-      } else {
-        joinBest(static_cast<size_t>(group), i, table);
-      }
-    };
-
-    // Integer search keys within the direct table: every row's entry at once.
-    if (direct && index.DirectSlots(keyColumns.data(), count, entries.data())) {
+    if (maybeDirect && index.DirectSlots(keyColumns.data(), count, entries.data())) {
       for (int64_t i = 0; i < count; ++i) {
         const uint32_t entry = entries[static_cast<size_t>(i)];
-        const int32_t g = index.DirectGroup(entry);
-        if (g >= 0) {
-          join(g, i, 0);
-          continue;
+        int32_t g = index.DirectGroup(entry);
+        if (g < 0) {
+          index.AddDirect(entry, keysOf(i));
+          g = start(i);
         }
-        for (size_t c = 0; c < columns; ++c) rowKeys[c] = keys[c][static_cast<size_t>(i)];
-        index.AddDirect(entry, rowKeys.data());
-        start(i, 0);
+        groupOf[static_cast<size_t>(i)] = g;
+      }
+    } else {
+      for (int64_t i = 0; i < count; ++i) {
+        const uint64_t* rowKey = keysOf(i);
+        bool nan = false;
+        for (size_t c = 0; c < columns; ++c)
+          nan = nan || (real[c] && rowKey[c] == ColumnKeys::kNaNKey);
+        int32_t g = -1;
+        if (nan) {
+          alone.push_back(static_cast<int32_t>(begin + i));  // a NaN search value never joins
+        } else if ((g = index.Find(rowKey)) < 0) {
+          index.Add(rowKey);
+          g = start(i);
+        }
+        groupOf[static_cast<size_t>(i)] = g;
+      }
+    }
+
+    // Second pass: each row into its group.
+    if (sum) {
+      for (int64_t i = 0; i < count; ++i) {
+        const int32_t g = groupOf[static_cast<size_t>(i)];
+        if (g < 0) continue;
+        groups.sum[static_cast<size_t>(g)] += values[static_cast<size_t>(i)];
+        ++groups.count[static_cast<size_t>(g)];
+      }
+      for (int64_t i = 0; s.selectHasStatus && i < count; ++i) {
+        const int32_t g = groupOf[static_cast<size_t>(i)];
+        if (g >= 0) groups.status[static_cast<size_t>(g)] |= status[static_cast<size_t>(i)];
       }
       continue;
     }
     for (int64_t i = 0; i < count; ++i) {
-      bool alone = false;
-      for (size_t c = 0; c < columns; ++c) {
-        rowKeys[c] = keys[c][static_cast<size_t>(i)];
-        alone = alone || (real[c] && rowKeys[c] == ColumnKeys::kNaNKey);
-      }
-      if (alone) continue;  // a NaN search value never joins a group
-      const int32_t g = index.Find(rowKeys.data());
-      int32_t table = 0;
-      if (prefer && !data.GetInputTableIndexForRow(rows[begin + i], &table)) return false;
-      if (g >= 0) {
-        join(g, i, table);
+      const auto ii = static_cast<size_t>(i);
+      const int32_t group = groupOf[ii];
+      if (group < 0) continue;
+      const auto g = static_cast<size_t>(group);
+      bool better = false;
+      if (prefer && tables[ii] != groups.bestTable[g]) {
+        better = tables[ii] > groups.bestTable[g];
+      } else if (textSelect) {
+        const std::string& text = texts[static_cast<int32_t>(i)].str();
+        better = maximum ? text > groups.bestText[g] : text < groups.bestText[g];
+        if (better) groups.bestText[g] = text;
       } else {
-        index.Add(rowKeys.data());
-        start(i, table);
+        better = maximum ? selectKeys[ii] > groups.bestKey[g] : selectKeys[ii] < groups.bestKey[g];
       }
+      if (!better) continue;
+      groups.bestAt[g] = static_cast<int32_t>(begin + i);
+      groups.bestTable[g] = prefer ? tables[ii] : 0;
+      groups.bestKey[g] = selectKeys[ii];
     }
   }
   for (size_t g = 0; sum && g < groups.count.size(); ++g) {
     if (groups.count[g] < 2) continue;
-    const int32_t first = rows[groups.bestAt[g]];  // the first member is never dropped
+    const int32_t first = rows[groups.bestAt[g]];
     if (!data.WriteInputColValue(s.selectIndex, first, groups.sum[g]) ||
         (s.selectHasStatus &&
          !data.WriteInputColStatusValue(s.selectIndex, first, groups.status[g]))) {
       return false;
     }
   }
+  KeepRows(*s.rows, groups.bestAt, alone);
   return true;
 }

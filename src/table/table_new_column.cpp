@@ -249,24 +249,39 @@ bool VCUTableNewColumn::ExpressionBlock(VCUTable* table, const int32_t* rows, in
   const auto size = static_cast<size_t>(count);
   s.slotValues.resize(static_cast<size_t>(slots));
   std::vector<const double*> columns(static_cast<size_t>(slots));
+  std::vector<int32_t> slotCols(static_cast<size_t>(slots), -1);
+  std::vector<char> slotStatus(static_cast<size_t>(slots), 0);
   for (int32_t slot = 0; slot < slots; ++slot) {
-    std::vector<double>& values = s.slotValues[static_cast<size_t>(slot)];
-    values.resize(size);
-    columns[static_cast<size_t>(slot)] = values.data();
-    int32_t col = -1;
+    const auto k = static_cast<size_t>(slot);
+    s.slotValues[k].resize(size);
+    columns[k] = s.slotValues[k].data();
     bool status = false;
-    if (!calc.GetColumnOfId(calc.GetVariableIdOfSlot(slot), &col, &status)) {
+    if (!calc.GetColumnOfId(calc.GetVariableIdOfSlot(slot), &slotCols[k], &status)) {
       return Fail(-655974, "VCUNewColCalculator::GetVariableValue");
     }
+    slotStatus[k] = status;
     if (status) s.statusScratch.resize(size);
-    const bool ok = ForEachRowRun(rows, 0, count, count, [&](int64_t first, int64_t n, int64_t at) {
-      if (!status) return table->GetValues_D(col, first, n, values.data() + at);
-      if (!table->GetStatusValues(col, first, n, s.statusScratch.data() + at)) return false;
-      std::copy_n(s.statusScratch.data() + at, n, values.data() + at);
-      return true;
-    });
-    if (!ok) return false;
   }
+  // Each run of consecutive rows is read once per variable column; a block
+  // that is one run of a table's own array is used where it lies.
+  const bool read = ForEachRowRun(rows, 0, count, count, [&](int64_t first, int64_t n, int64_t at) {
+    for (size_t k = 0; k < slotCols.size(); ++k) {
+      double* values = s.slotValues[k].data() + at;
+      if (!slotStatus[k]) {
+        const double* own = n == count ? table->PeekValues_D(slotCols[k], first, n) : nullptr;
+        if (own != nullptr) {
+          columns[k] = own;
+        } else if (!table->GetValues_D(slotCols[k], first, n, values)) {
+          return false;
+        }
+        continue;
+      }
+      if (!table->GetStatusValues(slotCols[k], first, n, s.statusScratch.data() + at)) return false;
+      std::copy_n(s.statusScratch.data() + at, n, values);
+    }
+    return true;
+  });
+  if (!read) return false;
   size_t begin = 0;
   while (begin < size) {
     size_t failed = size;

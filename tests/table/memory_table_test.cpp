@@ -67,6 +67,23 @@ TEST_F(MemoryTableTest, BulkReadChecksInOrder) {
   EXPECT_EQ(s[2], 0);  // untouched
 }
 
+// Peeking hands out the column's own cells, or null without a record.
+TEST_F(MemoryTableTest, PeekValuesOnlyForDoubleColumnsInRange) {
+  const double d[] = {1.5, 2.5, 3.5};
+  table.AddCol("Double", 3, d);
+  const double* cells = table.PeekValues_D(2, 2, 2);
+  ASSERT_NE(cells, nullptr);
+  EXPECT_EQ(cells[0], 2.5);
+  EXPECT_EQ(cells[1], 3.5);
+  EXPECT_EQ(table.PeekValues_D(0, 1, 1), nullptr);  // Short
+  EXPECT_EQ(table.PeekValues_D(3, 1, 1), nullptr);
+  EXPECT_EQ(table.PeekValues_D(-1, 1, 1), nullptr);
+  EXPECT_EQ(table.PeekValues_D(2, 0, 1), nullptr);
+  EXPECT_EQ(table.PeekValues_D(2, 1, 0), nullptr);
+  EXPECT_EQ(table.PeekValues_D(2, 2, 3), nullptr);
+  EXPECT_TRUE(Errors().empty());
+}
+
 TEST_F(MemoryTableTest, ArrayReadersResizeOnlyAfterTheChecks) {
   const char* t[] = {"a", "b"};
   table.AddCol("Text", 2, t);

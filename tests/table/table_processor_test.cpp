@@ -430,6 +430,31 @@ TEST_F(TableProcessorTest, WrittenCellsShowInEveryReadThatCoversThem) {
   EXPECT_EQ(original, 64);
 }
 
+// The merged view peeks into one input table's run of a column as long as
+// no cell of the column was written.
+TEST_F(TableProcessorTest, PeekValuesWithinOneInputTable) {
+  processor->AddInputTable(&a);
+  processor->AddInputTable(&b);
+  ASSERT_TRUE(processor->AddAllInputColsToOutput(0));
+  ASSERT_TRUE(processor->Process());
+  VCUTableData* merged = processor->GetInputData();
+  int32_t force = -1, extra = -1;
+  ASSERT_TRUE(merged->GetColIndexFromKeyword("Force", &force));
+  ASSERT_TRUE(merged->GetColIndexFromKeyword("Extra", &extra));
+  const double* cells = merged->PeekValues_D(force, 4, 2);
+  ASSERT_NE(cells, nullptr);
+  EXPECT_EQ(cells[0], 4);
+  EXPECT_EQ(cells[1], 5);
+  EXPECT_EQ(merged->PeekValues_D(force, 3, 2), nullptr);  // two tables
+  EXPECT_EQ(merged->PeekValues_D(force, 5, 2), nullptr);  // past the end
+  EXPECT_EQ(merged->PeekValues_D(extra, 4, 1), nullptr);  // Float
+  ASSERT_TRUE(merged->SetColWritable(force));
+  EXPECT_NE(merged->PeekValues_D(force, 1, 3), nullptr);
+  ASSERT_TRUE(merged->WriteInputColValue(force, 5, 50.0));
+  EXPECT_EQ(merged->PeekValues_D(force, 1, 3), nullptr);
+  EXPECT_TRUE(Errors().empty());
+}
+
 TEST_F(TableProcessorTest, WritableColumnWithoutStatusRefusesStatusWrites) {
   processor->AddInputTable(&b);
   processor->AddOutputColumn("Force");

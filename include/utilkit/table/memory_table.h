@@ -110,6 +110,7 @@ class UTILKIT_API VCUTableMemory : public VCUTable {
   bool GetValues_E(int32_t col, int64_t first, int64_t count, int32_t* codes,
                    VCStringArray* names) override;
   bool GetStatusValues(int32_t col, int64_t first, int64_t count, uint16_t* out) override;
+  const double* PeekValues_D(int32_t col, int64_t first, int64_t count) override;
 
  private:
   struct Impl;

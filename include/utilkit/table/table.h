@@ -124,6 +124,12 @@ class UTILKIT_API VCUTable {
   // The index of the input table a row comes from, for tables that merge
   // several. Here: 0 for any row, always succeeds.
   virtual bool GetInputTableIndexForRow(int64_t row, int32_t* index);
+  // Rows first..first+count-1 (count >= 1) of Double column `col` where
+  // the table keeps them as one array of its own, valid until the table
+  // changes, so that a reader may skip the copy; otherwise (for any bad
+  // argument too) null, adding no error record, and the reader falls back
+  // on GetValues_D. Here: always null.
+  virtual const double* PeekValues_D(int32_t col, int64_t first, int64_t count);
 
   // One cell as a variant, read with the reader of `type` (None: the
   // column's own type); an Enum cell reads as its code (a long). Fails with
