@@ -28,10 +28,7 @@
 //              code | location | message | flag (none: empty)
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -42,68 +39,18 @@
 #include <utilkit/table/memory_table.h>
 #include <utilkit/table/table_processor.h>
 
+#include "case_file.h"
 #include "csv_table.h"
 #include "table_csv.h"
 #include "table_job.h"
 
 namespace {
 
-struct TableCase {
-  std::string name;  // file stem and title, for the test's name
-  std::vector<std::pair<std::string, std::string>> sections;  // in file order
-
-  const std::string* Find(const std::string& section) const {
-    for (const auto& [title, text] : sections) {
-      if (title == section) return &text;
-    }
-    return nullptr;
-  }
-};
-
-void PrintTo(const TableCase& tableCase, std::ostream* out) {
-  *out << tableCase.name;
-}
-
-// The text without trailing line ends, plus one line end when not empty.
-std::string Block(std::string text) {
-  while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
-  return text.empty() ? text : text + "\n";
-}
-
-std::vector<TableCase> LoadCases() {
-  std::vector<TableCase> cases;
-  const std::filesystem::path dir = std::filesystem::path(UTILKIT_TEST_DATA_DIR) / "table";
-  std::vector<std::filesystem::path> files;
-  for (const auto& entry : std::filesystem::directory_iterator(dir)) {
-    if (entry.path().extension() == ".case") files.push_back(entry.path());
-  }
-  std::sort(files.begin(), files.end());
-  for (const auto& file : files) {
-    std::ifstream in(file);
-    std::string line;
-    bool inSection = false;
-    while (std::getline(in, line)) {
-      if (line.rfind("=== ", 0) == 0) {
-        cases.push_back({file.stem().string() + ": " + line.substr(4), {}});
-        inSection = false;
-      } else if (!cases.empty() && line.size() > 2 && line.front() == '[' && line.back() == ']') {
-        cases.back().sections.emplace_back(line.substr(1, line.size() - 2), "");
-        inSection = true;
-      } else if (inSection) {
-        cases.back().sections.back().second += line + "\n";
-      }
-    }
-  }
-  return cases;
-}
+using case_file::Block;
+using case_file::BlockOf;
 
 std::string ErrorRecords() {
-  std::string out;
-  for (const VCErrorRecord* e = VFGetUtLibError(); e; e = VFErrorGetNextErr(e)) {
-    out += std::to_string(VFErrorGetCode(e)) + " | " + VFErrorGetLocation(e) + " | " +
-           VFErrorGetMessage(e) + " | " + std::to_string(VFErrorGetFlag(e)) + "\n";
-  }
-  return out;
+  return case_file::ErrorRecords(true);
 }
 
 // The [job] settings; a line that is no setting fails the test.
@@ -139,14 +86,14 @@ utilkit::tool::TableJob ReadJob(const std::string* text) {
   return job;
 }
 
-class TableCaseTest : public testing::TestWithParam<TableCase> {
+class TableCaseTest : public testing::TestWithParam<case_file::Case> {
  protected:
   void SetUp() override { VFErrorClear(); }
   void TearDown() override { VFErrorClear(); }
 };
 
 TEST_P(TableCaseTest, GivesTheExpectedOutputAndErrors) {
-  const TableCase& c = GetParam();
+  const case_file::Case& c = GetParam();
   std::vector<std::unique_ptr<VCUTableMemory>> tables;
   std::vector<utilkit::tool::TableInput> inputs;
   std::string failure;
@@ -168,7 +115,7 @@ TEST_P(TableCaseTest, GivesTheExpectedOutputAndErrors) {
   const bool processed = failure.empty() &&
                          utilkit::tool::BuildTableOperations(job, &operations, &failure) &&
                          utilkit::tool::RunTableJob(inputs, job, operations, &processor);
-  EXPECT_EQ(Block(failure), c.Find("failure") ? Block(*c.Find("failure")) : "");
+  EXPECT_EQ(Block(failure), BlockOf(c, "failure"));
   for (const char* format : {"output", "typed", "dump"}) {
     const std::string* expected = c.Find(format);
     if (expected == nullptr) continue;
@@ -190,16 +137,10 @@ TEST_P(TableCaseTest, GivesTheExpectedOutputAndErrors) {
     }
     EXPECT_EQ(actual, Block(*expected)) << format;
   }
-  EXPECT_EQ(ErrorRecords(), c.Find("errors") ? Block(*c.Find("errors")) : "");
+  EXPECT_EQ(ErrorRecords(), BlockOf(c, "errors"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, TableCaseTest, testing::ValuesIn(LoadCases()),
-                         [](const testing::TestParamInfo<TableCase>& param) {
-                           std::string name = param.param.name;
-                           for (char& c : name) {
-                             if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
-                           }
-                           return name + "_" + std::to_string(param.index);
-                         });
+INSTANTIATE_TEST_SUITE_P(Files, TableCaseTest, testing::ValuesIn(case_file::Load("table")),
+                         case_file::TestName);
 
 }  // namespace
