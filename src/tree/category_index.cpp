@@ -1,7 +1,9 @@
 #include "tree/category_index.h"
 
+#include <bit>
 #include <cstring>
 #include <functional>
+#include <new>
 
 namespace {
 
@@ -9,12 +11,12 @@ namespace {
 constexpr size_t kScanLimit = 8;
 constexpr size_t kInlineBytes = sizeof(VCTreeCategoryIndex::Entry::text);
 
-uint32_t HashOf(std::string_view id) {
+}  // namespace
+
+uint32_t VCTreeCategoryIndex::HashOf(std::string_view id) {
   const auto hash = static_cast<uint64_t>(std::hash<std::string_view>()(id));
   return static_cast<uint32_t>(hash ^ (hash >> 32));
 }
-
-}  // namespace
 
 bool VCTreeCategoryIndex::Matches(const Entry& entry, std::string_view id, uint32_t hash) {
   if (entry.hash != hash || entry.length != id.size()) return false;
@@ -22,15 +24,15 @@ bool VCTreeCategoryIndex::Matches(const Entry& entry, std::string_view id, uint3
   return std::memcmp(text, id.data(), id.size()) == 0;
 }
 
-const VCTreeCategoryIndex::Entry* VCTreeCategoryIndex::Find(std::string_view id) const {
-  const uint32_t hash = HashOf(id);
+const VCTreeCategoryIndex::Entry* VCTreeCategoryIndex::Find(std::string_view id,
+                                                            uint32_t hash) const {
   if (m_capacity == 0) {
     for (const Entry& entry : m_entries) {
       if (Matches(entry, id, hash)) return &entry;
     }
     return nullptr;
   }
-  for (uint32_t at = hash & (m_capacity - 1);; at = (at + 1) & (m_capacity - 1)) {
+  for (uint32_t at = SlotOf(hash);; at = (at + 1) & (m_capacity - 1)) {
     const Entry& slot = m_table[at];
     if (!slot.node) return nullptr;
     if (Matches(slot, id, hash)) return &slot;
@@ -39,8 +41,9 @@ const VCTreeCategoryIndex::Entry* VCTreeCategoryIndex::Find(std::string_view id)
 
 void VCTreeCategoryIndex::Add(std::string_view id, VCUTreeResultNode* node,
                               VCTreeCategoryIndex* childIndex) {
-  if (Find(id)) return;
-  Entry entry{HashOf(id), static_cast<uint32_t>(id.size()), node, childIndex, {}};
+  const uint32_t hash = HashOf(id);
+  if (Find(id, hash)) return;
+  Entry entry{hash, static_cast<uint32_t>(id.size()), node, childIndex, {}};
   if (id.size() <= kInlineBytes) {
     std::memcpy(entry.text, id.data(), id.size());
   } else {
@@ -56,16 +59,23 @@ void VCTreeCategoryIndex::Add(std::string_view id, VCUTreeResultNode* node,
   Place(entry);
 }
 
+void VCTreeCategoryIndex::Reserve(size_t count) {
+  if (count <= kScanLimit || 2 * count <= m_capacity) return;
+  if (count > (size_t{1} << 30)) throw std::bad_alloc();
+  Rehash(std::bit_ceil(static_cast<uint32_t>(2 * count)));
+}
+
 void VCTreeCategoryIndex::Invalidate() {
   std::vector<Entry>().swap(m_entries);
   m_table.reset();
   m_capacity = 0;
+  m_shift = 32;
   m_count = 0;
   m_built = false;
 }
 
 void VCTreeCategoryIndex::Place(const Entry& entry) {
-  uint32_t at = entry.hash & (m_capacity - 1);
+  uint32_t at = SlotOf(entry.hash);
   while (m_table[at].node) at = (at + 1) & (m_capacity - 1);
   m_table[at] = entry;
   ++m_count;
@@ -76,6 +86,7 @@ void VCTreeCategoryIndex::Rehash(uint32_t capacity) {
   old.swap(m_table);
   const uint32_t oldCapacity = m_capacity;
   m_capacity = capacity;
+  m_shift = static_cast<uint32_t>(32 - std::countr_zero(capacity));
   m_count = 0;
   for (uint32_t i = 0; i < oldCapacity; ++i) {
     if (old[i].node) Place(old[i]);

@@ -6,22 +6,24 @@
 
 #include <utilkit/tree/tree.h>
 
+#include "tree/category_queue.h"
 #include "tree/tree_sort_keys.h"
 
 struct VCUTree::Data {
-  // The root being built by the running Process; never owned.
-  VCUTreeResultNode* resultRoot = nullptr;
   bool recurse = false;
   VCArray<VCUTreeGroupDefBase*> grouping{10};  // owned, outermost level first
   VCUTreeFilterDefBase* filter = nullptr;      // owned
   VCArray<VCUTreeSortDefBase*> sorting{10};    // owned, most significant first
 
+  // The grouping walk's nodes waiting for their categories.
+  VCTreeCategoryQueue categoryQueue;
   // Scratch of SortChildren, reused from one child list to the next.
   VCTreeSortKeys sortKeys;
   std::vector<int32_t> sortOrder;
   VCArray<VCUTreeNodeBase*> sortedChildren;
 
   void ReleaseScratch() {
+    categoryQueue.Clear();
     sortKeys.Release();
     std::vector<int32_t>().swap(sortOrder);
     sortedChildren.RemoveAll();

@@ -69,6 +69,16 @@ struct VCTreeNodeAccess {
   // reordered: a result node then drops the index of its child categories
   // (appends keep it valid; the new category adds itself).
   static void ChildListChanged(VCUTreeNodeBase* node);
+  // Appends `child`, a root that is not a category, to the children of
+  // `parent` (whose category index stays valid). Throws std::bad_alloc
+  // (nothing changed).
+  static void Adopt(VCUTreeNodeBase* parent, VCUTreeNodeBase* child) {
+    Of(parent).children.Append(child);
+    Of(child).parent = parent;
+  }
+  // Starts loading the private block of `node`, whose own memory is loaded
+  // or on its way.
+  static void PrefetchBlock(const VCUTreeNodeBase* node) { VFTreePrefetch(node->m_pData); }
   // For a walk over `children` now at `index`: starts loading the node a few
   // places on, and the private block of the one that follows sooner (whose
   // node was requested a few steps before).

@@ -32,17 +32,13 @@ VCArray<VCUTreeNodeBase*> ChildrenOf(VCUTreeNodeBase* node) {
 
 VCUTreeResultNode* VCUTree::Process(VCUTreeNodeBase* sourceRoot) {
   Data& d = *m_pData;
-  // However the run ends, its root is forgotten and its scratch freed.
+  // However the run ends, its scratch is freed (and queued nodes with it).
   struct RunScope {
     Data& d;
-    ~RunScope() {
-      d.resultRoot = nullptr;
-      d.ReleaseScratch();
-    }
+    ~RunScope() { d.ReleaseScratch(); }
   } scope{d};
   try {
     std::unique_ptr<VCUTreeResultNode> root(new VCUTreeResultNode);
-    d.resultRoot = root.get();
     if (d.grouping.IsEmpty() && !d.filter && d.sorting.IsEmpty()) {
       VFTreeReportError(kTreeErrorNoOperations, kProcessLocation);
       return nullptr;
@@ -59,6 +55,7 @@ VCUTreeResultNode* VCUTree::Process(VCUTreeNodeBase* sourceRoot) {
         DoGroup(child, nullptr, noIds);
       }
     }
+    d.categoryQueue.PlaceAll(root.get(), d.grouping);
     SortChildren(root.get());
     // Categories by id at every level, as root->SortCategories(1, 1) orders
     // them, without visiting the innermost ones, which hold only data nodes.
@@ -106,7 +103,10 @@ void VCUTree::DoGroup(VCUTreeNodeBase* node, VCUTreeResultNode* parent, VCString
     if (underParent) {
       newNode = new VCUTreeResultNode(parent, data);
     } else if (grouped) {
-      newNode = new VCUTreeResultNode(FindOrCreateCategory(ids), data);
+      // Filed under its category once the walk is over (VCTreeCategoryQueue).
+      auto queued = std::make_unique<VCUTreeResultNode>(nullptr, data);
+      newNode = queued.get();
+      m_pData->categoryQueue.Add(std::move(queued), ids);
     }
   }
   if (!m_pData->recurse) {
@@ -114,10 +114,6 @@ void VCUTree::DoGroup(VCUTreeNodeBase* node, VCUTreeResultNode* parent, VCString
     return;
   }
   for (VCUTreeNodeBase* child : ChildrenOf(node)) DoGroup(child, newNode, ids);
-}
-
-VCUTreeResultNode* VCUTree::FindOrCreateCategory(const VCStringArray& ids) {
-  return VCUTreeResultNode::FindOrCreateCategoryPath(m_pData->resultRoot, ids, m_pData->grouping);
 }
 
 void VCUTree::SortChildren(VCUTreeResultNode* node) {

@@ -216,22 +216,24 @@ VCTreeCategoryIndex& VCUTreeResultNode::CurrentIndex() {
 }
 
 VCUTreeResultNode* VCUTreeResultNode::FindOrCreateCategoryPath(
-    VCUTreeResultNode* root, const VCStringArray& ids,
+    VCUTreeResultNode* root, const char* const* ids, uint32_t firstHash,
     const VCArray<VCUTreeGroupDefBase*>& grouping) {
   // Down from index to index while the ids are found: the categories on the
   // way are not touched themselves.
   VCUTreeResultNode* current = root;
   VCTreeCategoryIndex* index = &root->CurrentIndex();
   int32_t level = 0;
-  for (; level < ids.GetSize(); ++level) {
-    const VCTreeCategoryIndex::Entry* entry = index->Find(ids[level].view());
+  for (; level < grouping.GetSize(); ++level) {
+    const std::string_view id(ids[level]);
+    const VCTreeCategoryIndex::Entry* entry =
+        level == 0 ? index->Find(id, firstHash) : index->Find(id);
     if (!entry) break;
     current = entry->node;
     index = entry->childIndex->IsBuilt() ? entry->childIndex : &current->CurrentIndex();
   }
-  for (; level < ids.GetSize(); ++level) {
-    const VCString& id = ids[level];
-    current = new VCUTreeResultNode(current, id, grouping[level]->GetCategoryDescription(id));
+  for (; level < grouping.GetSize(); ++level) {
+    current = new VCUTreeResultNode(current, ids[level],
+                                    grouping[level]->GetCategoryDescription(ids[level]));
   }
   return current;
 }

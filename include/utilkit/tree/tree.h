@@ -140,7 +140,6 @@ class UTILKIT_API VCUTree {
   VCUTreeFilterDefBase* FilterParseBrace(const char** cursor, int32_t depth = 0);
 
   void DoGroup(VCUTreeNodeBase* node, VCUTreeResultNode* parent, VCStringArray& parentIds);
-  VCUTreeResultNode* FindOrCreateCategory(const VCStringArray& ids);
   void DoFilterAndSort(VCUTreeResultNode* parent, VCUTreeNodeBase* node);
   void SortChildren(VCUTreeResultNode* node);
 

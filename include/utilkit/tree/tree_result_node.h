@@ -105,13 +105,15 @@ class UTILKIT_API VCUTreeResultNode : public VCUTreeNodeBase {
   // `levels` down hold only data nodes: those are not visited.
   void SortCategoryLevels(char ascending, int32_t levels);
   // The tree processor's FindOrCreateCategory: the category at the end of
-  // the path `ids` below `root`, made (level i described by grouping[i])
-  // where missing. Throws std::bad_alloc.
+  // the path `ids` (one id per grouping level; `firstHash` is the category
+  // index's hash of ids[0]) below `root`, made (level i described by
+  // grouping[i]) where missing. Throws std::bad_alloc.
   static VCUTreeResultNode* FindOrCreateCategoryPath(VCUTreeResultNode* root,
-                                                     const VCStringArray& ids,
+                                                     const char* const* ids, uint32_t firstHash,
                                                      const VCArray<VCUTreeGroupDefBase*>& grouping);
   friend class VCUTree;
   friend struct VCTreeNodeAccess;
+  friend class VCTreeCategoryQueue;
 
   Data* m_pData;
 };
