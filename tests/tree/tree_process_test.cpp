@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <utilkit/base/error_stack.h>
 #include <utilkit/tree/tree.h>
@@ -27,6 +28,16 @@ class CountingNode : public PropertyNode {
 
  private:
   std::map<std::string, int>* m_reads;
+};
+
+// A node that cannot list its children, as when the host runs out of memory.
+class UnlistableNode : public PropertyNode {
+ public:
+  using PropertyNode::PropertyNode;
+  int GetChildren(VCArray<VCUTreeNodeBase*>* out) override {
+    if (out) out->RemoveAll();
+    return -1;
+  }
 };
 
 // A sort key of a host's own class: asked at every comparison.
@@ -135,6 +146,85 @@ TEST_F(TreeProcess, ManyCategoriesEachMadeOnce) {
   EXPECT_EQ(static_cast<VCUTreeResultNode*>(groups[0])->GetId(), "0");
   EXPECT_EQ(static_cast<VCUTreeResultNode*>(groups[1])->GetId(), "1");
   EXPECT_EQ(static_cast<VCUTreeResultNode*>(groups[2])->GetId(), "10");
+}
+
+// Grouping files its nodes once the walk is done, many at a time; the
+// result must still be categories ordered by id at each level, each holding
+// its nodes in the order they were visited, with children that share their
+// parent's ids kept under it and the others moved to their own category.
+TEST_F(TreeProcess, ManyGroupedNodesKeepVisitOrderWithinEachCategory) {
+  PropertyNode root(nullptr);
+  struct Entry {
+    std::string name;
+    std::vector<std::string> kept;  // children that stay under this node
+  };
+  // ids "Group/Sub" -> the entries filed there, in visit order.
+  std::map<std::string, std::map<std::string, std::vector<Entry>>> expected;
+  const auto ids = [](int i) {
+    return std::make_pair(std::to_string((i * 7919) % 53), std::to_string((i * 31) % 3));
+  };
+  const auto make = [](PropertyNode* parent, int i, const std::pair<std::string, std::string>& id) {
+    auto* node = new PropertyNode(parent);
+    node->SetProperty("Name", VCVariant(("n" + std::to_string(i)).c_str()));
+    node->SetProperty("Group", VCVariant(id.first.c_str()));
+    node->SetProperty("Sub", VCVariant(id.second.c_str()));
+    return node;
+  };
+  int next = 0;
+  for (int folder = 0; folder < 300; ++folder) {
+    const int folderIndex = next++;
+    const auto folderIds = ids(folderIndex);
+    PropertyNode* parent = make(&root, folderIndex, folderIds);
+    auto& list = expected[folderIds.first][folderIds.second];
+    list.push_back({"n" + std::to_string(folderIndex), {}});
+    const size_t folderAt = list.size() - 1;
+    for (int child = 0; child < 3; ++child) {
+      const int childIndex = next++;
+      const auto childIds = ids(childIndex);
+      make(parent, childIndex, childIds);
+      if (childIds == folderIds) {
+        expected[folderIds.first][folderIds.second][folderAt].kept.push_back(
+            "n" + std::to_string(childIndex));
+      } else {
+        expected[childIds.first][childIds.second].push_back({"n" + std::to_string(childIndex), {}});
+      }
+    }
+  }
+  std::string want;
+  for (const auto& [group, subs] : expected) {
+    want += "+ Group=" + group + " [" + group + "]\n";
+    for (const auto& [sub, entries] : subs) {
+      want += "  + Sub=" + sub + " [" + sub + "]\n";
+      for (const Entry& entry : entries) {
+        want += "    - " + entry.name + "\n";
+        for (const std::string& kept : entry.kept) want += "      - " + kept + "\n";
+      }
+    }
+  }
+  VCUTree tree;
+  ASSERT_TRUE(tree.SetGroupOpsFromText("Group.Sub"));
+  tree.SetRecurseChildren(1);
+  std::unique_ptr<VCUTreeResultNode> result(tree.Process(&root));
+  ASSERT_NE(result, nullptr);
+  EXPECT_EQ(tree_tool::FormatResultTree(result.get(), true), want);
+}
+
+// A failure late in the walk frees what was already grouped and waiting to
+// be filed (the leak checker of the test build sees any node left over).
+TEST_F(TreeProcess, AFailedWalkFreesTheNodesAlreadyGrouped) {
+  PropertyNode root(nullptr);
+  for (int i = 0; i < 500; ++i) {
+    (new PropertyNode(&root))->SetProperty("Group", VCVariant(int64_t{i % 40}));
+  }
+  (new UnlistableNode(&root))->SetProperty("Group", VCVariant(int64_t{1}));
+  VCUTree tree;
+  ASSERT_TRUE(tree.SetGroupOpsFromText("Group"));
+  tree.SetRecurseChildren(1);
+  EXPECT_EQ(tree.Process(&root), nullptr);
+  ASSERT_EQ(VFErrorGetCount(), 1u);
+  EXPECT_EQ(VFErrorGetCode(VFErrorGetLast()), kTreeErrorOutOfMemory);
+  EXPECT_STREQ(VFErrorGetMessage(VFErrorGetLast()), "Out of memory");
+  EXPECT_STREQ(VFErrorGetLocation(VFErrorGetLast()), "VCUTree::Process");
 }
 
 }  // namespace
