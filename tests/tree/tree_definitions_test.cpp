@@ -148,6 +148,21 @@ TEST(VCUTreeFilterDefinitions, CopiesAreDeepForTheLibrarysFilters) {
   copy.SetOperands(new VCUTreeFilterBasic("A", VCUTreeFilterBasic::kExists, VCVariant()),
                    new VCUTreeFilterBasic("B", VCUTreeFilterBasic::kExists, VCVariant()));
   EXPECT_TRUE(copy.DoesObjectPassFilter(&node));
+  // Assignment deletes the old operands and copies the new ones deeply,
+  // nested AND included.
+  VCUTreeFilterOR nested(
+      new VCUTreeFilterAND(new VCUTreeFilterBasic("A", VCUTreeFilterBasic::kExists, VCVariant()),
+                           new CountingFilter(false, &calls, &deleted)),
+      new VCUTreeFilterBasic("B", VCUTreeFilterBasic::kExists, VCVariant()));
+  copy = nested;
+  ASSERT_NE(copy.GetOperand1(), nullptr);
+  EXPECT_NE(copy.GetOperand1(), nested.GetOperand1());
+  EXPECT_EQ(copy.GetOperand1()->GetFilterType(), 2);
+  EXPECT_EQ(static_cast<VCUTreeFilterAND*>(copy.GetOperand1())->GetOperand2(), nullptr);
+  EXPECT_FALSE(copy.DoesObjectPassFilter(&node));
+  const VCUTreeFilterOR& same = copy;
+  copy = same;  // assigning a filter to itself keeps its operands
+  EXPECT_EQ(copy.GetOperand1()->GetFilterType(), 2);
 }
 
 TEST(VCUTreeSortDefinitions, KeysCompareLikeTheNodes) {

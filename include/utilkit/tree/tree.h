@@ -65,6 +65,7 @@
 #include <utilkit/tree/tree_filter_and.h>
 #include <utilkit/tree/tree_filter_basic.h>
 #include <utilkit/tree/tree_filter_or.h>
+#include <utilkit/tree/tree_filter_pair.h>
 #include <utilkit/tree/tree_group_alphabetic.h>
 #include <utilkit/tree/tree_group_by_date.h>
 #include <utilkit/tree/tree_group_by_property.h>

@@ -1,9 +1,8 @@
-// VCUTreeFilterAND: passes a node when both operands pass (the second is asked only when the first
-// passes).
+// VCUTreeFilterAND: passes a node when both operands pass (the second is
+// asked only when the first passes).
 //
 // The filter text "(Size >= 10) & (Name ~ *.log)" gives one of these.
-// Operands nest freely, mixing AND, OR and basic filters. A filter missing
-// either operand lets no node pass.
+// Operands nest freely, mixing AND, OR and basic filters.
 //
 //   auto* big = new VCUTreeFilterBasic("Size", VCUTreeFilterBasic::kGreaterOrEqual,
 //                                      VCVariant(int64_t{10}));
@@ -11,36 +10,19 @@
 //                                       VCVariant("*.log"));
 //   tree.SetFilteringOp(new VCUTreeFilterAND(big, logs));   // owns big and logs
 //
-// Ownership: the filter owns its operands and deletes them through their
-// virtual destructor. A copy copies operands of the library's own filter
-// classes deeply; an operand of a host's own class is missing in the copy.
+// Ownership and copies: see VCUTreeFilterPair.
 #pragma once
 
 #include <utilkit/base/export.h>
-#include <utilkit/tree/tree_filter_def_base.h>
+#include <utilkit/tree/tree_filter_pair.h>
 
-class UTILKIT_API VCUTreeFilterAND : public VCUTreeFilterDefBase {
+class UTILKIT_API VCUTreeFilterAND : public VCUTreeFilterPair {
  public:
   // A filter without operands (lets no node pass until SetOperands).
   VCUTreeFilterAND();
   // Takes ownership of `op1` and `op2` (either may be null).
   VCUTreeFilterAND(VCUTreeFilterDefBase* op1, VCUTreeFilterDefBase* op2);
-  VCUTreeFilterAND(const VCUTreeFilterAND& other);
-  VCUTreeFilterAND& operator=(const VCUTreeFilterAND& other);
-  ~VCUTreeFilterAND() override;
 
-  // False when an operand is missing; otherwise true when both operands pass (the second is asked
-  // only when the first passes).
+  // False when an operand is missing; otherwise true when both operands pass.
   char DoesObjectPassFilter(VCUTreeSourceNode* node) override;
-
-  // The operands, still owned by this filter.
-  VCUTreeFilterDefBase* GetOperand1() const;
-  VCUTreeFilterDefBase* GetOperand2() const;
-  // Deletes the current operands (except one handed back in), then takes
-  // ownership of `op1` and `op2`.
-  void SetOperands(VCUTreeFilterDefBase* op1, VCUTreeFilterDefBase* op2);
-
- private:
-  struct Data;
-  Data* m_pData;
 };

@@ -3,7 +3,8 @@
 //
 // The library's filters are VCUTreeFilterBasic (type 1, one property test),
 // VCUTreeFilterAND (2) and VCUTreeFilterOR (3), which combine two owned
-// operands; a host may derive its own.
+// operands (their common base is VCUTreeFilterPair); a host may derive its
+// own.
 //
 //   VCUTree tree;
 //   tree.SetFilteringOp(new VCUTreeFilterBasic("Size", VCUTreeFilterBasic::kGreater,
