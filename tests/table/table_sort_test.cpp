@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 #include <vector>
 
 #include <utilkit/base/error_stack.h>
@@ -34,109 +32,6 @@ class TableSortTest : public ::testing::Test {
     return {rows.begin(), rows.end()};
   }
 };
-
-TEST_F(TableSortTest, EqualKeysKeepTheirInputOrder) {
-  VCUTableMemory table("T");
-  const int32_t key[] = {2, 1, 2, 1, 2, 1, 2, 1, 2, 1, 2, 1};
-  table.AddCol("K", 12, key);
-  table.SetNumRows(12);
-  VCUTableSort sort;
-  sort.AddColumn("K", 0, 1);
-  EXPECT_EQ(Sort(sort, table), (std::vector<int32_t>{1, 3, 5, 7, 9, 11, 2, 4, 6, 8, 10, 12}));
-}
-
-TEST_F(TableSortTest, LaterColumnsBreakTies) {
-  VCUTableMemory table("T");
-  const int16_t a[] = {1, 0, 1, 0};
-  const double b[] = {1.5, 2.5, 3.5, -1};
-  table.AddCol("A", 4, a);
-  table.AddCol("B", 4, b);
-  table.SetNumRows(4);
-  VCUTableSort sort;
-  sort.AddColumn("a", 1, 1);
-  sort.AddColumn("B", 0, 1);
-  EXPECT_EQ(Sort(sort, table), (std::vector<int32_t>{2, 4, 3, 1}));
-}
-
-TEST_F(TableSortTest, TextsFoldCaseUnlessCaseSensitive) {
-  VCUTableMemory table("T");
-  const char* names[] = {"b", "a", "A", "B"};
-  table.AddCol("Name", 4, names);
-  table.SetNumRows(4);
-  VCUTableSort blind;
-  blind.AddColumn("Name", 1, 0);
-  EXPECT_EQ(Sort(blind, table), (std::vector<int32_t>{2, 3, 1, 4}));
-  VCUTableSort exact;
-  exact.AddColumn("Name", 1, 1);
-  EXPECT_EQ(Sort(exact, table), (std::vector<int32_t>{3, 4, 2, 1}));
-  VCUTableSort down;
-  down.AddColumn("Name", 0, 0);
-  EXPECT_EQ(Sort(down, table), (std::vector<int32_t>{1, 4, 2, 3}));
-}
-
-TEST_F(TableSortTest, EmbeddedNumbersOrderByValue) {
-  VCUTableMemory table("T");
-  const char* names[] = {"x10", "x9", "X100", "x09"};
-  table.AddCol("Name", 4, names);
-  table.SetNumRows(4);
-  VCUTableSort sort;
-  sort.AddColumn("Name", 1, 0);
-  EXPECT_EQ(Sort(sort, table), (std::vector<int32_t>{2, 4, 1, 3}));
-}
-
-TEST_F(TableSortTest, EnumColumnsOrderByOptionName) {
-  VCUTableMemory table("T");
-  const int32_t codes[] = {1, 2, 3};
-  const char* names[] = {"zero", "alpha", "alpha"};
-  const int32_t cells[] = {1, 2, 5, 3, 2, 1};  // 5 has no option: the empty name
-  const int32_t tie[] = {6, 5, 4, 3, 2, 1};
-  table.AddCol("E", 3, codes, names, 6, cells);
-  table.AddCol("Tie", 6, tie);
-  table.SetNumRows(6);
-  VCUTableSort sort;
-  sort.AddColumn("E", 1, 1);
-  sort.AddColumn("Tie", 1, 1);
-  // "" (5), then "alpha" (codes 2 and 3 alike, by Tie), then "zero".
-  EXPECT_EQ(Sort(sort, table), (std::vector<int32_t>{3, 5, 4, 2, 6, 1}));
-}
-
-TEST_F(TableSortTest, NanFollowsEveryNumberAndNegativeZeroEqualsZero) {
-  VCUTableMemory table("T");
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  const double v[] = {nan, 0.0, -1, -0.0, std::numeric_limits<double>::infinity(), nan};
-  table.AddCol("V", 6, v);
-  table.SetNumRows(6);
-  VCUTableSort up;
-  up.AddColumn("V", 1, 1);
-  EXPECT_EQ(Sort(up, table), (std::vector<int32_t>{3, 2, 4, 5, 1, 6}));
-  VCUTableSort down;
-  down.AddColumn("V", 0, 1);
-  EXPECT_EQ(Sort(down, table), (std::vector<int32_t>{1, 6, 5, 2, 4, 3}));
-}
-
-TEST_F(TableSortTest, CategoryTrimKeepsTheFirstRowsOfEachCategory) {
-  VCUTableMemory table("T");
-  const char* a[] = {"p", "p", "P", "p", "q", "q", "q"};
-  const int32_t b[] = {1, 1, 1, 2, 1, 1, 1};
-  const double c[] = {5, 4, 3, 2, 1, 0, -1};
-  table.AddCol("A", 7, a);
-  table.AddCol("B", 7, b);
-  table.AddCol("C", 7, c);
-  table.SetNumRows(7);
-  for (int32_t limit : {0, 1, 2}) {
-    VCUTableSort sort;
-    sort.AddColumn("A", 1, 1);  // case sensitive: "P" sorts first, yet shares p's category
-    sort.AddColumn("B", 1, 1);
-    sort.AddColumn("C", 1, 1);
-    sort.SetCategory("b", limit);
-    const std::vector<int32_t> sorted = Sort(sort, table);
-    if (limit < 2) {
-      EXPECT_EQ(sorted, (std::vector<int32_t>{3, 4, 7})) << limit;
-    } else {
-      EXPECT_EQ(sorted, (std::vector<int32_t>{3, 2, 4, 7, 6})) << limit;
-    }
-  }
-}
 
 // Random tables whose columns take each ordering path (runs ordered by
 // counting, by radix passes and by insertion; narrow and wide key ranges,
