@@ -3,8 +3,15 @@
 R5EnumProperty::R5EnumProperty(const char* name) : R5Property(name, false) {}
 
 bool R5EnumProperty::Add(const R5EnumValue& value) {
-  if (value.IsEmpty() || Find(value.GetName()) >= 0) return false;
-  return m_entries.Add(value) >= 0;
+  if (value.IsEmpty()) return false;
+  try {
+    const auto [slot, inserted] = m_index.emplace(value.GetName().c_str(), m_entries.GetSize());
+    if (!inserted) return false;
+    if (m_entries.Add(value) >= 0) return true;
+    m_index.erase(slot);
+  } catch (...) {
+  }
+  return false;
 }
 
 R5EnumValue R5EnumProperty::GetValidEntry(int32_t index) const {
@@ -47,8 +54,10 @@ bool R5EnumProperty::HasSameDefinition(const R5Property& other) const {
 }
 
 int32_t R5EnumProperty::Find(const VCString& name) const {
-  for (int32_t i = 0; i < m_entries.GetSize(); ++i) {
-    if (m_entries[i].GetName() == name) return i;
+  try {
+    const auto it = m_index.find(name.c_str());
+    return it == m_index.end() ? -1 : it->second;
+  } catch (...) {
+    return -1;
   }
-  return -1;
 }

@@ -8,10 +8,24 @@ R5PropertySet::~R5PropertySet() {
 
 int32_t R5PropertySet::Find(const char* name) const {
   if (!name) return -1;
-  for (int32_t i = 0; i < GetCount(); ++i) {
-    if (m_properties[i]->GetName() == name) return i;
+  try {
+    const auto it = m_index.find(name);
+    return it == m_index.end() ? -1 : it->second;
+  } catch (...) {
+    return -1;  // no memory for the key
   }
-  return -1;
+}
+
+bool R5PropertySet::Reindex() {
+  try {
+    m_index.clear();
+    m_index.reserve(static_cast<size_t>(GetCount()));
+    for (int32_t i = 0; i < GetCount(); ++i) m_index.emplace(m_properties[i]->GetName().c_str(), i);
+    return true;
+  } catch (...) {
+    m_index.clear();
+    return false;
+  }
 }
 
 R5Property* R5PropertySet::Insert(std::unique_ptr<R5Property> property) {
@@ -22,7 +36,12 @@ R5Property* R5PropertySet::Insert(std::unique_ptr<R5Property> property) {
     m_properties[index] = property.release();
     return m_properties[index];
   }
-  if (m_properties.Add(property.get()) < 0) return nullptr;
+  // Reserve the index slot first, so a failure leaves the set unchanged.
+  auto slot = m_index.emplace(property->GetName().c_str(), GetCount()).first;
+  if (m_properties.Add(property.get()) < 0) {
+    m_index.erase(slot);
+    return nullptr;
+  }
   return property.release();
 }
 
@@ -47,13 +66,16 @@ bool R5PropertySet::Copy(const R5PropertySet& other) {
   } catch (...) {
     return false;
   }
+  if (!copy.Reindex()) return false;
   std::swap(m_properties, copy.m_properties);  // `copy` deletes the old properties
+  std::swap(m_index, copy.m_index);
   return true;
 }
 
 void R5PropertySet::Clear() {
   for (R5Property* property : m_properties) delete property;
   m_properties.RemoveAll();
+  m_index.clear();
 }
 
 R5Property* R5PropertySet::GetProperty(int32_t index) {
@@ -77,6 +99,10 @@ bool R5PropertySet::RemoveProperty(const char* name) {
   if (index < 0) return false;
   delete m_properties[index];
   m_properties.RemoveAt(index);
+  m_index.erase(name);
+  for (auto& entry : m_index) {
+    if (entry.second > index) --entry.second;
+  }
   return true;
 }
 

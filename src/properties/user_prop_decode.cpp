@@ -160,9 +160,9 @@ bool VCUUserDefinedProperties::DecodeUserPropDef(const DOM_Node& root, R5Propert
     PushError(kSyntaxError, "", 0);
     return false;
   }
-  const DOM_NodeList children = properties.getChildNodes();
-  for (uint32_t i = 0; i < children.getLength(); ++i) {
-    const DOM_Element child(children.item(i));
+  // Children are walked by sibling: a node list read by index rescans from its start.
+  for (DOM_Node node = properties.getFirstChild(); !node.isNull(); node = node.getNextSibling()) {
+    const DOM_Element child(node);
     if (child.isNull() || !(child.getTagName() == DOMString("Property"))) continue;
     if (!DecodeProperty(child, set)) {
       PushError(kSyntaxError, "", 1);

@@ -2,6 +2,7 @@
 #include <utilkit/xml/xml_helper.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -50,6 +51,35 @@ class SafeHandler : public xc::HandlerBase {
   }
 };
 
+std::atomic<int32_t> g_maxNestingDepth{VCUXmlHelper::kDefaultMaxNestingDepth};
+
+// Thrown out of the scanner when elements nest deeper than the limit.
+struct NestedTooDeeply {};
+
+// The DOM parser, counting open elements: a document nested deeper than the
+// limit ends the parse before its tree (and any deep walk over it) is built.
+class DepthLimitedParser : public xc::XercesDOMParser {
+ public:
+  DepthLimitedParser(xc::MemoryManager* memory, int32_t limit)
+      : xc::XercesDOMParser(nullptr, memory), m_limit(limit) {}
+
+  void startElement(const xc::XMLElementDecl& decl, const unsigned int urlId,
+                    const XMLCh* const prefix, const xc::RefVectorOf<xc::XMLAttr>& attributes,
+                    const XMLSize_t count, const bool isEmpty, const bool isRoot) override {
+    if (!isEmpty && ++m_depth > m_limit) throw NestedTooDeeply{};
+    xc::XercesDOMParser::startElement(decl, urlId, prefix, attributes, count, isEmpty, isRoot);
+  }
+  void endElement(const xc::XMLElementDecl& decl, const unsigned int urlId, const bool isRoot,
+                  const XMLCh* const prefix) override {
+    --m_depth;
+    xc::XercesDOMParser::endElement(decl, urlId, isRoot, prefix);
+  }
+
+ private:
+  int32_t m_limit;
+  int32_t m_depth = 0;
+};
+
 // The message of the exception in flight (call inside a catch block).
 VCString DescribeParseFailure() noexcept {
   try {
@@ -65,6 +95,12 @@ VCString DescribeParseFailure() noexcept {
       return VCString(VFTextGet(VFGetUtilKitText(), -655577));
     } catch (const std::bad_alloc&) {
       return VCString(VFTextGet(VFGetUtilKitText(), -655577));
+    } catch (const NestedTooDeeply&) {
+      VCString message(VFTextGet(VFGetUtilKitText(), kParseError));
+      message += ": elements nested more than ";
+      message += VCString::Formatted("%d", static_cast<int>(g_maxNestingDepth.load()));
+      message += " deep";
+      return message;
     }
   } catch (...) {  // anything else, or no memory for the message
   }
@@ -87,7 +123,7 @@ DOM_Document Parse(const char* text, int32_t length) {
     xc::SecurityManager security;
     security.setEntityExpansionLimit(VCUXmlHelper::kMaxEntityExpansions);
     SafeHandler handler;
-    auto parser = std::make_unique<xc::XercesDOMParser>(nullptr, &parsed->memory);
+    auto parser = std::make_unique<DepthLimitedParser>(&parsed->memory, g_maxNestingDepth.load());
     parser->setValidationScheme(xc::XercesDOMParser::Val_Auto);
     parser->setDoNamespaces(false);
     parser->setDoSchema(false);
@@ -112,6 +148,14 @@ DOM_Document Parse(const char* text, int32_t length) {
 }
 
 }  // namespace
+
+void VCUXmlHelper::SetMaxNestingDepth(int32_t depth) {
+  g_maxNestingDepth.store(depth < 1 ? kDefaultMaxNestingDepth : depth);
+}
+
+int32_t VCUXmlHelper::GetMaxNestingDepth() {
+  return g_maxNestingDepth.load();
+}
 
 DOM_Document VCUXmlHelper::ParseXml(const char* text, int32_t length) {
   if (!text) {

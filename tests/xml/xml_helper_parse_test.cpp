@@ -169,12 +169,25 @@ TEST_F(ParseXmlTest, TextsAboveTheSizeCapAreRefusedUnread) {
   EXPECT_EQ(Message(), VFTextGet(VFGetUtilKitText(), -655761));
 }
 
-TEST_F(ParseXmlTest, DeepNestingParsesAndSerialises) {
-  constexpr int kDepth = 100000;
-  std::string text;
-  for (int i = 0; i < kDepth; ++i) text += "<a>";
-  for (int i = 0; i < kDepth; ++i) text += "</a>";
-  DOM_Document doc = Parse(text);
+TEST_F(ParseXmlTest, NestingIsBoundedAndTheBoundCanBeRaised) {
+  const auto nested = [](int depth) {
+    std::string text;
+    for (int i = 0; i < depth; ++i) text += "<a>";
+    for (int i = 0; i < depth; ++i) text += "</a>";
+    return text;
+  };
+  const int limit = VCUXmlHelper::GetMaxNestingDepth();
+  EXPECT_FALSE(Parse(nested(limit)).isNull());
+  EXPECT_TRUE(Parse(nested(limit + 1)).isNull());
+  ExpectParseFailure();
+  EXPECT_EQ(Message(), "Error parsing XML text: elements nested more than 1000 deep");
+  VFErrorClear();
+
+  constexpr int kDepth = 100000;  // raised: the parse and the writer need no deep recursion
+  VCUXmlHelper::SetMaxNestingDepth(kDepth);
+  DOM_Document doc = Parse(nested(kDepth));
+  VCUXmlHelper::SetMaxNestingDepth(0);
+  EXPECT_EQ(VCUXmlHelper::GetMaxNestingDepth(), VCUXmlHelper::kDefaultMaxNestingDepth);
   ASSERT_FALSE(doc.isNull());
   EXPECT_EQ(Plain(doc.getDocumentElement()).size(), kDepth * 7u - 3u);  // innermost is <a/>
 }

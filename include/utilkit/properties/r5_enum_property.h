@@ -16,6 +16,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <unordered_map>
 
 #include <utilkit/base/export.h>
 #include <utilkit/base/vc_array.h>
@@ -77,5 +79,6 @@ class UTILKIT_API R5EnumProperty : public R5Property {
   int32_t Find(const VCString& name) const;
 
   VCArray<R5EnumValue> m_entries;
+  std::unordered_map<std::string, int32_t> m_index;  // entry name -> position (hashed look-up)
   int32_t m_chosen = -1;
 };

@@ -18,6 +18,8 @@
 // the Add and Get members stay valid until then. The Add members that take
 // a property store a copy of it.
 //
+// Look-ups by name are hashed, so building a set of n properties takes O(n).
+//
 // Failure: the Add members return null for an empty or null name or when
 // memory runs out (the set is then unchanged). Nothing is pushed on the
 // error stack.
@@ -25,6 +27,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <unordered_map>
 
 #include <utilkit/base/export.h>
 #include <utilkit/base/vc_array.h>
@@ -78,8 +82,11 @@ class UTILKIT_API R5PropertySet {
   int32_t Find(const char* name) const;
   // Stores `property` (null when its creation failed), replacing one of the same name.
   R5Property* Insert(std::unique_ptr<R5Property> property);
+  // Rebuilds m_index from m_properties; false when memory runs out.
+  bool Reindex();
   template <class P, class... Args>
   P* Create(const char* name, Args... args);
 
-  VCArray<R5Property*> m_properties;  // owned
+  VCArray<R5Property*> m_properties;                 // owned
+  std::unordered_map<std::string, int32_t> m_index;  // name -> position in m_properties
 };

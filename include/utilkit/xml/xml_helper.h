@@ -30,6 +30,9 @@
 //  - refuses texts longer than kMaxParseBytes, and stops a parse that needs
 //    more than 64 MiB plus kParseMemoryFactor times the text's length
 //    (bounding what entities can amplify even below the expansion limit);
+//  - refuses elements nested deeper than GetMaxNestingDepth() (default
+//    kDefaultMaxNestingDepth), so no walk over a parsed tree runs deep and
+//    the human-readable layout of a parsed document stays in proportion;
 //  - ignores validity errors: a DOCTYPE switches the validator on (the
 //    scheme is automatic), but only well-formedness errors end a parse.
 // Internal DTD subsets with entities, default attributes, CDATA sections,
@@ -58,6 +61,13 @@ class UTILKIT_API VCUXmlHelper {
   static constexpr int32_t kMaxEntityExpansions = 10000;
   // A parse may use 64 MiB plus this many times the text's length.
   static constexpr int32_t kParseMemoryFactor = 96;
+  // Default of the deepest element nesting a parse accepts.
+  static constexpr int32_t kDefaultMaxNestingDepth = 1000;
+
+  // Sets the deepest element nesting that ParseXml accepts for the whole
+  // process (a value below 1 restores the default). Thread safe.
+  static void SetMaxNestingDepth(int32_t depth);
+  static int32_t GetMaxNestingDepth();
 
   VCUXmlHelper() = default;
   VCUXmlHelper(const VCUXmlHelper&) = default;
@@ -67,7 +77,8 @@ class UTILKIT_API VCUXmlHelper {
   // Parses `length` bytes of `text` (a negative length: up to the first 0;
   // a null text counts as ""). Null document on failure with -655761
   // carrying the parser's message in the process encoding ("Error parsing
-  // XML text" when there is none; "Out of memory" when the memory bound is hit).
+  // XML text" when there is none; "Out of memory" when the memory bound is
+  // hit; "Error parsing XML text: elements nested more than N deep").
   static DOM_Document ParseXml(const char* text, int32_t length);
   // Reads the whole file and parses it. Null document on failure: open and
   // read failures leave only the file layer's record; -655577 when the
