@@ -43,11 +43,10 @@ int RunXml(const XmlOptions& options) {
     std::fprintf(stderr, "%s\n", text.GetBasePtr());
     return 1;
   }
-  const bool written = options.plain
-                           ? VCUXmlHelper::ConvertNodeTreeToText(document, &text)
-                           : VCUXmlHelper::ConvertNodeTreeToHumanReadableText(document, &text);
-  if (!written) return 1;  // the helper has said "Failed to write out"
-  std::fwrite(text.GetBasePtr(), 1, static_cast<size_t>(text.GetSize()), stdout);
+  // Streamed: the layout of a large document is never held whole.
+  if (!VCUXmlHelper::WriteNodeTreeToStream(document, stdout, !options.plain)) {
+    return 1;  // the helper has said "Failed to write out"
+  }
   return 0;
 }
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include <xercesc/framework/XMLFormatter.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
 
 #include <utilkit/xml/data_buffer_format_target.h>
 
@@ -285,11 +286,43 @@ void TreeWriter::WriteXmlDeclaration(const xc::DOMNode* node) {
   Put(u"\"?>\n");
 }
 
-bool Serialise(const DOM_Node& node, VCUDataBuffer* out, bool humanReadable) {
-  assert(out != nullptr);
+// Passes the formatter's output on to a stream in pieces of kPiece bytes.
+class StreamFormatTarget : public xc::XMLFormatTarget {
+ public:
+  explicit StreamFormatTarget(std::FILE* stream) : m_stream(stream) { m_piece.reserve(kPiece); }
+
+  void writeChars(const XMLByte* const bytes, const XMLSize_t count, xc::XMLFormatter*) override {
+    if (m_piece.size() + count > kPiece) Flush();
+    if (count >= kPiece) {
+      Write(reinterpret_cast<const char*>(bytes), count);
+    } else {
+      m_piece.append(reinterpret_cast<const char*>(bytes), count);
+    }
+  }
+  // Writes what is held back; throws when the stream refuses it.
+  void Flush() {
+    Write(m_piece.data(), m_piece.size());
+    m_piece.clear();
+  }
+
+ private:
+  static constexpr size_t kPiece = size_t{64} << 10;
+  void Write(const char* bytes, size_t count) {
+    if (count != 0 && std::fwrite(bytes, 1, count, m_stream) != count) {
+      throw xc::OutOfMemoryException();  // the formatter's only failure signal
+    }
+  }
+  std::FILE* m_stream;
+  std::string m_piece;
+};
+
+// Writes `node` through a UTF-8 formatter over `target`; false with "Failed
+// to write out" on standard output when anything fails.
+template <class Target, class Finish>
+bool Serialise(const DOM_Node& node, bool humanReadable, Target make, Finish finish) {
   try {
     if (!utilkit::xml::EnsureXercesPlatform()) throw std::bad_alloc();
-    VCUDataBufferFormatTarget target;
+    auto target = make();
     xc::XMLFormatter formatter("UTF-8", &target, xc::XMLFormatter::NoEscapes,
                                xc::XMLFormatter::UnRep_CharRef);
     // The writer's result is deliberately not looked at: a node that cannot
@@ -297,22 +330,41 @@ bool Serialise(const DOM_Node& node, VCUDataBuffer* out, bool humanReadable) {
     if (const xc::DOMNode* root = VCUDomAccess::Node(node)) {
       TreeWriter(formatter, humanReadable).Write(root);
     }
-    out->Clear();
-    const VCUDataBuffer& written = target.GetBuffer();
-    if (!out->Append(written.GetBasePtr(), written.GetSize())) throw std::bad_alloc();
-    return true;
+    if (finish(target)) return true;
   } catch (...) {  // XMLException, OutOfMemoryException, DOMException, std::bad_alloc
-    std::fputs("Failed to write out\n", stdout);
-    return false;
   }
+  std::fputs("Failed to write out\n", stdout);
+  return false;
+}
+
+bool SerialiseToBuffer(const DOM_Node& node, VCUDataBuffer* out, bool humanReadable) {
+  assert(out != nullptr);
+  return Serialise(
+      node, humanReadable, [] { return VCUDataBufferFormatTarget(); },
+      [out](VCUDataBufferFormatTarget& target) {
+        out->Clear();
+        const VCUDataBuffer& written = target.GetBuffer();
+        return out->Append(written.GetBasePtr(), written.GetSize());
+      });
 }
 
 }  // namespace
 
 bool VCUXmlHelper::ConvertNodeTreeToText(const DOM_Node& node, VCUDataBuffer* out) {
-  return Serialise(node, out, false);
+  return SerialiseToBuffer(node, out, false);
 }
 
 bool VCUXmlHelper::ConvertNodeTreeToHumanReadableText(const DOM_Node& node, VCUDataBuffer* out) {
-  return Serialise(node, out, true);
+  return SerialiseToBuffer(node, out, true);
+}
+
+bool VCUXmlHelper::WriteNodeTreeToStream(const DOM_Node& node, std::FILE* stream,
+                                         bool humanReadable) {
+  assert(stream != nullptr);
+  return Serialise(
+      node, humanReadable, [stream] { return StreamFormatTarget(stream); },
+      [stream](StreamFormatTarget& target) {
+        target.Flush();
+        return std::fflush(stream) == 0;
+      });
 }

@@ -144,6 +144,29 @@ TEST_F(XmlWriteTest, SaveNodeTreeToFileCreatesOrAppends) {
   }
 }
 
+TEST_F(XmlWriteTest, StreamedLayoutsMatchTheBufferedOnesAndWriteFailuresAreReported) {
+  std::string big = "<r>";  // several 64 KiB pieces
+  for (int i = 0; i < 20000; ++i) big += "<c n=\"" + std::to_string(i) + "\">t&amp;</c>";
+  DOM_Document doc = Parse(big + "</r>");
+  ASSERT_FALSE(doc.isNull());
+  for (const bool human : {false, true}) {
+    std::FILE* stream = std::tmpfile();
+    ASSERT_NE(stream, nullptr);
+    EXPECT_TRUE(VCUXmlHelper::WriteNodeTreeToStream(doc, stream, human));
+    std::string written(static_cast<size_t>(std::ftell(stream)), '\0');
+    std::rewind(stream);
+    EXPECT_EQ(std::fread(written.data(), 1, written.size(), stream), written.size());
+    std::fclose(stream);
+    EXPECT_EQ(written, human ? Human(doc) : Plain(doc));
+  }
+  if (std::FILE* full = std::fopen("/dev/full", "w")) {
+    ::testing::internal::CaptureStdout();
+    EXPECT_FALSE(VCUXmlHelper::WriteNodeTreeToStream(doc, full, true));
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Failed to write out\n");
+    std::fclose(full);
+  }
+}
+
 TEST_F(XmlWriteTest, EmptyErrorStackInAWrapper) {
   VCUDataBuffer buffer;
   buffer.Append("head");

@@ -45,6 +45,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 
 #include <utilkit/base/export.h>
 #include <utilkit/base/vc_string.h>
@@ -127,6 +128,11 @@ class UTILKIT_API VCUXmlHelper {
   // element with children on its own line. A document's children are at
   // the document's level (the root element is not indented).
   static bool ConvertNodeTreeToHumanReadableText(const DOM_Node& node, VCUDataBuffer* out);
+  // Writes the plain (or, with `humanReadable`, the human-readable) layout
+  // to `stream` in pieces of 64 KiB, never holding the whole text. False
+  // with "Failed to write out\n" on standard output when serialisation or
+  // a write fails; what was written before stays written.
+  static bool WriteNodeTreeToStream(const DOM_Node& node, std::FILE* stream, bool humanReadable);
   // Writes the plain layout to a file: created or emptied when `mode` is
   // non-zero, appended to when it is 0. False with "Failed to write out\n"
   // on standard output on any failure; the file layer's own record stays
