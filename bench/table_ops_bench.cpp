@@ -16,7 +16,13 @@
 // - CompressSum: Peak summed per (Channel, Flag) into each group's first
 //   row, against one pass of sums per group;
 // - Computed: "#Peak# * #Time# / 1000 + 1" read in full through the output
-//   table into a buffer, against the plain loop.
+//   table into a buffer, against the plain loop;
+// - FilterReadBack: Process with "Peak > 71428" (about half the rows, in
+//   short runs), then every output column read back in blocks (the names
+//   as texts), against a loop collecting the passing rows and gathering
+//   each column into buffers;
+// - SortReadBack: the Sort above, then every output column read back,
+//   against SortBaseline's rank and sort followed by the same gather.
 // The 10 million row case is the target size; run it with
 //   table_ops_bench --benchmark_filter=/10000000/
 #include <benchmark/benchmark.h>
@@ -35,6 +41,7 @@
 #include <utilkit/base/dictionary.h>
 #include <utilkit/table/memory_table.h>
 #include <utilkit/table/table_compress.h>
+#include <utilkit/table/table_filter_basic.h>
 #include <utilkit/table/table_new_column.h>
 #include <utilkit/table/table_processor.h>
 #include <utilkit/table/table_sort.h>
@@ -147,30 +154,131 @@ void Sort(benchmark::State& state) {
   state.counters["peak_per_key_bytes"] = peak / keyBytes;
 }
 
+// The hand-written stable sort: positions by name rank, Time descending.
+std::vector<int32_t> HandSort(Workload& w) {
+  std::vector<std::pair<std::string, VCUDictionaryRef*>> distinct;
+  for (auto* r = w.names.GetFirstString(); r; r = w.names.GetNextString(r)) {
+    std::string upper = w.names.GetString(r);
+    for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    distinct.emplace_back(std::move(upper), r);
+  }
+  std::sort(distinct.begin(), distinct.end());
+  std::unordered_map<VCUDictionaryRef*, int32_t> rankOf;
+  for (size_t i = 0, rank = 0; i < distinct.size(); ++i) {
+    if (i > 0 && distinct[i].first != distinct[i - 1].first) ++rank;
+    rankOf[distinct[i].second] = static_cast<int32_t>(rank);
+  }
+  std::vector<int32_t> rank(w.rows), order(w.rows);
+  for (int32_t i = 0; i < w.rows; ++i) rank[i] = rankOf[w.name[i]], order[i] = i;
+  std::sort(order.begin(), order.end(), [&](int32_t a, int32_t b) {
+    if (rank[a] != rank[b]) return rank[a] < rank[b];
+    if (w.time[a] != w.time[b]) return w.time[a] > w.time[b];
+    return a < b;
+  });
+  return order;
+}
+
 void SortBaseline(benchmark::State& state) {
   Workload& w = Data(state.range(0));
   for (auto _ : state) {
-    std::vector<std::pair<std::string, VCUDictionaryRef*>> distinct;
-    for (auto* r = w.names.GetFirstString(); r; r = w.names.GetNextString(r)) {
-      std::string upper = w.names.GetString(r);
-      for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-      distinct.emplace_back(std::move(upper), r);
-    }
-    std::sort(distinct.begin(), distinct.end());
-    std::unordered_map<VCUDictionaryRef*, int32_t> rankOf;
-    for (size_t i = 0, rank = 0; i < distinct.size(); ++i) {
-      if (i > 0 && distinct[i].first != distinct[i - 1].first) ++rank;
-      rankOf[distinct[i].second] = static_cast<int32_t>(rank);
-    }
-    std::vector<int32_t> rank(w.rows), order(w.rows);
-    for (int32_t i = 0; i < w.rows; ++i) rank[i] = rankOf[w.name[i]], order[i] = i;
-    std::sort(order.begin(), order.end(), [&](int32_t a, int32_t b) {
-      if (rank[a] != rank[b]) return rank[a] < rank[b];
-      if (w.time[a] != w.time[b]) return w.time[a] > w.time[b];
-      return a < b;
-    });
+    std::vector<int32_t> order = HandSort(w);
     benchmark::DoNotOptimize(order.data());
   }
+}
+
+// Every column of `table` (the workload's five) read in blocks, as a
+// writer would.
+struct ReadBack {
+  std::vector<int32_t> channel;
+  std::vector<double> time, peak;
+  std::vector<int16_t> flag;
+  VCStringArray name;
+
+  bool Run(VCUTable& table) {
+    constexpr int64_t kBlock = 65536;
+    int64_t rows = 0;
+    table.GetNumRows(&rows);
+    channel.resize(kBlock), time.resize(kBlock), peak.resize(kBlock), flag.resize(kBlock);
+    for (int64_t first = 1; first <= rows; first += kBlock) {
+      const int64_t n = std::min(kBlock, rows - first + 1);
+      if (!table.GetValues_L(0, first, n, channel.data()) ||
+          !table.GetValues_D(1, first, n, time.data()) ||
+          !table.GetValues_D(2, first, n, peak.data()) || !table.GetValues_T(3, first, n, &name) ||
+          !table.GetValues_S(4, first, n, flag.data())) {
+        return false;
+      }
+    }
+    return true;
+  }
+};
+
+// The hand-written gather of rows `order` of every column into buffers.
+void Gather(const Workload& w, const std::vector<int32_t>& order, ReadBack* out,
+            std::vector<std::string>* names) {
+  const size_t n = order.size();
+  out->channel.resize(n), out->time.resize(n), out->peak.resize(n), out->flag.resize(n);
+  names->resize(n);
+  for (size_t i = 0; i < n; ++i) {
+    const int32_t r = order[i];
+    out->channel[i] = w.channel[r];
+    out->time[i] = w.time[r];
+    out->peak[i] = w.peak[r];
+    out->flag[i] = w.flag[r];
+    (*names)[i] = w.names.GetString(w.name[r]);
+  }
+  benchmark::DoNotOptimize(names->data());
+}
+
+void FilterReadBack(benchmark::State& state) {
+  Workload& w = Data(state.range(0));
+  VCUTableFilterBasic filter;
+  filter.SetColumnKeyword("Peak");
+  filter.SetCompare(VTTableFilterCompare::GreaterThan);
+  filter.SetCompareValue(VCVariant(71428.0));
+  Job job(w, {"Channel", "Time", "Peak", "Name", "Flag"});
+  job.processor.SetFilter(&filter);
+  ReadBack back;
+  for (auto _ : state) {
+    if (!job.processor.Process() || !back.Run(*job.processor.GetOutputTable())) {
+      state.SkipWithError("failed");
+    }
+  }
+}
+
+void FilterReadBackBaseline(benchmark::State& state) {
+  Workload& w = Data(state.range(0));
+  ReadBack back;
+  std::vector<std::string> names;
+  std::vector<int32_t> passed;
+  for (auto _ : state) {
+    passed.clear();
+    for (int32_t i = 0; i < w.rows; ++i) {
+      if (w.peak[i] > 71428.0) passed.push_back(i);
+    }
+    Gather(w, passed, &back, &names);
+  }
+}
+
+void SortReadBack(benchmark::State& state) {
+  Workload& w = Data(state.range(0));
+  VCUTableSort sort;
+  sort.AddColumn("Name", 1, 0);
+  sort.AddColumn("Time", 0, 1);
+  Job job(w, {"Channel", "Time", "Peak", "Name", "Flag"});
+  job.processor.SetSort(&sort);
+  ReadBack back;
+  for (auto _ : state) {
+    if (!job.processor.Process() || !back.Run(*job.processor.GetOutputTable())) {
+      state.SkipWithError("failed");
+    }
+  }
+}
+
+void SortReadBackBaseline(benchmark::State& state) {
+  Workload& w = Data(state.range(0));
+  ReadBack back;
+  std::vector<std::string> names;
+  for (auto _ : state) Gather(w, HandSort(w), &back, &names);
 }
 
 void RunCompress(benchmark::State& state, VTCompressType type, bool byFlag) {
@@ -259,6 +367,10 @@ int main(int argc, char** argv) {
       {"CompressSumBaseline", CompressSumBaseline},
       {"Computed", Computed},
       {"ComputedBaseline", ComputedBaseline},
+      {"FilterReadBack", FilterReadBack},
+      {"FilterReadBackBaseline", FilterReadBackBaseline},
+      {"SortReadBack", SortReadBack},
+      {"SortReadBackBaseline", SortReadBackBaseline},
   };
   for (int64_t rows : {1000000, 10000000}) {
     for (const auto& [name, run] : cases) {

@@ -1,19 +1,29 @@
 #include "table_csv.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <cstdint>
-#include <limits>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <new>
 #include <string_view>
 #include <vector>
 
 #include <utilkit/base/error_stack.h>
 #include <utilkit/base/number_text.h>
 
+#include "csv_column.h"
+#include "csv_splitter.h"
+
 namespace utilkit::tool {
 
 namespace {
+
+// Files larger than this are refused rather than read.
+constexpr int64_t kMaxFileBytes = int64_t{16} << 30;
+// Cells reserved at most for a column before the rows are counted.
+constexpr int64_t kMaxReservedRows = int64_t{1} << 26;
+// Records parsed between two progress reports.
+constexpr int64_t kProgressRecords = 1 << 16;
 
 struct TypeName {
   const char* name;
@@ -27,52 +37,37 @@ constexpr TypeName kTypeNames[] = {
     {"enum", "e", VTTableDataType::Enum},
 };
 
-const char* NameOf(VTTableDataType type) {
-  for (const TypeName& t : kTypeNames) {
-    if (t.type == type) return t.name;
-  }
-  return "none";
-}
-
-// One CSV column as the header declares it.
-struct ColumnHeader {
-  std::string name;
-  size_t field = 0;
-  VTTableDataType type = VTTableDataType::None;  // None: inferred from the cells
-  bool isStatus = false;
-  bool hasOptions = false;
-  std::vector<int32_t> codes;
-  std::vector<std::string> names;
-};
-
 std::string Where(const std::string& source, int64_t line, size_t field) {
   return source + ":" + std::to_string(line) + ":" + std::to_string(field + 1) + ": ";
 }
 
-bool ParseOptions(std::string_view list, ColumnHeader* header) {
+// Reads "1=low|2=high", where "||" is a '|' of a name.
+bool ParseOptions(std::string_view list, CsvColumnHeader* header) {
   header->hasOptions = true;
   while (!list.empty()) {
-    const size_t bar = std::min(list.find('|'), list.size());
-    const std::string_view option = list.substr(0, bar);
+    std::string option;
+    size_t at = 0;
+    for (; at < list.size(); ++at) {
+      if (list[at] != '|') {
+        option.push_back(list[at]);
+      } else if (at + 1 < list.size() && list[at + 1] == '|') {
+        option.push_back(list[at++]);
+      } else {
+        break;
+      }
+    }
     const size_t eq = option.find('=');
     int32_t code = 0;
-    if (eq == std::string_view::npos ||
-        !VFAscToNum(std::string(option.substr(0, eq)).c_str(), &code)) {
-      return false;
-    }
+    if (eq == std::string::npos || !VFAscToNum(option.substr(0, eq).c_str(), &code)) return false;
     header->codes.push_back(code);
-    header->names.emplace_back(option.substr(eq + 1));
-    list.remove_prefix(std::min(bar + 1, list.size()));
+    header->names.push_back(option.substr(eq + 1));
+    list.remove_prefix(std::min(at + 1, list.size()));
   }
   return true;
 }
 
-// Reads "name", "name:type", "name:enum(options)" or "name:status".
-bool ParseHeaderCell(const std::string& cell, ColumnHeader* header) {
-  const size_t colon = cell.find(':');
-  header->name = cell.substr(0, colon);
-  if (colon == std::string::npos) return true;
-  const VCString suffix(cell.substr(colon + 1));
+// Reads the type after a colon: "long", "status", "enum(options)", ...
+bool ParseSuffix(const VCString& suffix, CsvColumnHeader* header) {
   if (suffix.CompareNoCase("status") == 0) return header->isStatus = true;
   for (const TypeName& t : kTypeNames) {
     if (suffix.CompareNoCase(t.name) == 0 || suffix.CompareNoCase(t.letter) == 0) {
@@ -87,193 +82,268 @@ bool ParseHeaderCell(const std::string& cell, ColumnHeader* header) {
   return false;
 }
 
-bool ParseCell(const std::string& cell, int16_t* value) {
-  int32_t v = 0;
-  if (!VFAscToNum(cell.c_str(), &v) || v < INT16_MIN || v > INT16_MAX) return false;
-  *value = static_cast<int16_t>(v);
-  return true;
-}
-bool ParseCell(const std::string& cell, int32_t* value) {
-  return VFAscToNum(cell.c_str(), value);
-}
-bool ParseCell(const std::string& cell, int64_t* value) {
-  return VFAscToNum(cell.c_str(), value);
-}
-bool ParseCell(const std::string& cell, double* value) {
-  if (cell.find_first_not_of(" \t") == std::string::npos) {
-    *value = std::numeric_limits<double>::quiet_NaN();
+// Reads "name", "name:type", "name:enum(options)" or "name:status"; the
+// name ends at the first colon after which a type reads.
+bool ParseHeaderCell(std::string_view cell, CsvColumnHeader* header) {
+  size_t colon = cell.find(':');
+  if (colon == std::string_view::npos) {
+    header->name = cell;
     return true;
   }
-  return VFAscToNum(cell.c_str(), value);
-}
-bool ParseCell(const std::string& cell, float* value) {
-  double v = 0;
-  if (!ParseCell(cell, &v)) return false;
-  *value = static_cast<float>(v);
-  return true;
-}
-
-// The type of a column declared without one.
-VTTableDataType Infer(const CsvTable& csv, size_t field) {
-  bool any = false, empty = false, int32 = true, int64 = true, number = true;
-  for (const auto& row : csv.rows) {
-    const std::string& cell = row[field];
-    if (cell.find_first_not_of(" \t") == std::string::npos) {
-      empty = true;
-      continue;
+  for (; colon != std::string_view::npos; colon = cell.find(':', colon + 1)) {
+    CsvColumnHeader h;
+    if (ParseSuffix(VCString(cell.substr(colon + 1)), &h)) {
+      *header = std::move(h);
+      header->name = cell.substr(0, colon);
+      return true;
     }
-    any = true;
-    int64_t i = 0;
-    double d = 0;
-    int64 = int64 && VFAscToNum(cell.c_str(), &i);
-    int32 = int32 && int64 && i >= INT32_MIN && i <= INT32_MAX;
-    number = number && VFAscToNum(cell.c_str(), &d);
-    if (!number) break;
   }
-  if (!any || !number) return VTTableDataType::Text;
-  if (!empty && int32) return VTTableDataType::Long;
-  if (!empty && int64) return VTTableDataType::Huge;
-  return VTTableDataType::Double;
+  return false;
 }
 
-class Converter {
+bool SameName(const std::string& a, const std::string& b) {
+  return VCString(a).CompareNoCase(b.c_str()) == 0;
+}
+
+// Reads records of CSV text into columns.
+class Reader {
  public:
-  Converter(const CsvTable& csv, const std::string& source, VCUTableMemory* table)
-      : m_csv(csv), m_source(source), m_table(table), m_rows(csv.rows.size()) {}
+  Reader(std::string_view text, const std::string& source, VCUDictionary* dictionary,
+         std::string* error)
+      : m_text(text), m_source(source), m_dictionary(dictionary), m_error(error) {}
 
-  bool Add(const ColumnHeader& header, std::string* error) {
-    switch (header.type) {
-      case VTTableDataType::Short:
-        return AddNumbers<int16_t>(header, error);
-      case VTTableDataType::Long:
-        return AddNumbers<int32_t>(header, error);
-      case VTTableDataType::Huge:
-        return AddNumbers<int64_t>(header, error);
-      case VTTableDataType::Float:
-        return AddNumbers<float>(header, error);
-      case VTTableDataType::Double:
-        return AddNumbers<double>(header, error);
-      case VTTableDataType::Enum:
-        return AddEnum(header, error);
-      default: {
-        std::vector<const char*> texts(m_rows);
-        for (size_t r = 0; r < m_rows; ++r) texts[r] = m_csv.rows[r][header.field].c_str();
-        m_table->AddCol(header.name.c_str(), static_cast<int32_t>(m_rows), texts.data());
-        return true;
+  bool Run(const CsvProgress& progress) {
+    if (int64_t line = 0; CsvSplitter::FindNul(m_text, &line)) {
+      return Fail(m_source + ":" + std::to_string(line) + ": " + kCsvNulByte);
+    }
+    CsvSplitter splitter(m_text);
+    std::vector<std::string_view> header;
+    if (!NextRecord(&splitter, &header)) return false;
+    if (header.empty()) return Fail(m_source + ": no header line (the file is empty)");
+    if (!ReadHeader(header)) return false;
+    const char* body = splitter.Position();
+    while (!splitter.AtEnd()) {
+      if (!ReadRow(&splitter)) return false;
+      if (m_rows == 1) Reserve(splitter.Position() - body);
+      if (progress && m_rows % kProgressRecords == 0) {
+        progress("Parsing", splitter.Position() - m_text.data(), std::ssize(m_text));
       }
     }
+    for (size_t c = 0; c < m_columns.size(); ++c) {
+      if (!m_columns[c].Finish()) Reread(c, m_rows);
+    }
+    return true;
   }
 
-  bool AddStatus(const ColumnHeader& header, std::string* error) {
-    std::vector<uint16_t> words(m_rows);
-    for (size_t r = 0; r < m_rows; ++r) {
-      const std::string& cell = m_csv.rows[r][header.field];
-      int32_t v = -1;
-      if (cell.size() > 2 && cell[0] == '0' && (cell[1] == 'x' || cell[1] == 'X')) {
-        const auto [end, ec] = std::from_chars(cell.data() + 2, cell.data() + cell.size(), v, 16);
-        if (ec != std::errc() || end != cell.data() + cell.size()) v = -1;
-      } else if (!VFAscToNum(cell.c_str(), &v)) {
-        v = -1;
-      }
-      if (v < 0 || v > 0xFFFF) return Bad(r, header, "a status word", error);
-      words[r] = static_cast<uint16_t>(v);
+  // Hands the columns to `table`, freeing each as it goes.
+  void MoveInto(VCUTableMemory* table) {
+    for (CsvColumn& column : m_columns) {
+      if (!column.Header().isStatus) column.MoveInto(table, m_dictionary);
     }
-    m_table->SetColStatus(header.name.c_str(), static_cast<int32_t>(m_rows), words.data());
-    return true;
+    for (CsvColumn& column : m_columns) {
+      if (column.Header().isStatus) column.MoveInto(table, m_dictionary);
+    }
+    table->SetNumRows(static_cast<int32_t>(m_rows));
   }
 
  private:
-  bool Bad(size_t row, const ColumnHeader& header, const std::string& what, std::string* error) {
-    *error = Where(m_source, m_csv.lines[row], header.field) + "'" + m_csv.rows[row][header.field] +
-             "' is not " + what + " (column " + header.name + ")";
+  bool Fail(std::string message) {
+    *m_error = std::move(message);
     return false;
   }
 
-  template <class T>
-  bool AddNumbers(const ColumnHeader& header, std::string* error) {
-    std::vector<T> values(m_rows);
-    for (size_t r = 0; r < m_rows; ++r) {
-      if (!ParseCell(m_csv.rows[r][header.field], &values[r])) {
-        return Bad(r, header, std::string("a ") + NameOf(header.type), error);
+  bool SplitFailed(const CsvSplitter& splitter) {
+    return Fail(m_source + ":" + std::to_string(splitter.ErrorLine()) + ": " + splitter.Error());
+  }
+
+  // The fields of the next record that is not a blank line (none at the end).
+  bool NextRecord(CsvSplitter* splitter, std::vector<std::string_view>* fields) {
+    fields->clear();
+    m_copies.clear();
+    while (!splitter->AtEnd() && fields->empty()) {
+      CsvField field;
+      do {
+        if (!splitter->Next(&field)) return SplitFailed(*splitter);
+        m_copies.emplace_back(field.text);
+      } while (!field.last);
+      if (m_copies.size() == 1 && m_copies[0].empty() && !field.quoted) {
+        m_copies.clear();
+        continue;
       }
+      fields->assign(m_copies.begin(), m_copies.end());
     }
-    m_table->AddCol(header.name.c_str(), static_cast<int32_t>(m_rows), values.data());
     return true;
   }
 
-  bool AddEnum(const ColumnHeader& header, std::string* error) {
-    std::vector<int32_t> codes = header.codes;
-    std::vector<std::string> names = header.names;
-    std::vector<int32_t> values(m_rows);
-    for (size_t r = 0; r < m_rows; ++r) {
-      const std::string& cell = m_csv.rows[r][header.field];
-      auto named = std::find_if(names.begin(), names.end(), [&](const std::string& n) {
-        return VCString(n).CompareNoCase(cell.c_str()) == 0;
+  bool ReadHeader(const std::vector<std::string_view>& cells) {
+    std::vector<CsvColumnHeader> headers(cells.size());
+    for (size_t f = 0; f < cells.size(); ++f) {
+      if (!ParseHeaderCell(cells[f], &headers[f])) {
+        return Fail(Where(m_source, 1, f) + "'" + std::string(cells[f]) +
+                    "' is not name, name:type or name:status");
+      }
+      headers[f].field = f;
+      for (size_t g = 0; g < f; ++g) {
+        if (headers[g].isStatus == headers[f].isStatus &&
+            SameName(headers[g].name, headers[f].name)) {
+          return Fail(Where(m_source, 1, f) + "a second column named " + headers[f].name);
+        }
+      }
+    }
+    for (const CsvColumnHeader& h : headers) {
+      const bool found = !h.isStatus || std::any_of(headers.begin(), headers.end(), [&](auto& s) {
+        return !s.isStatus && SameName(s.name, h.name);
       });
-      if (!header.hasOptions && named == names.end()) {
-        codes.push_back(static_cast<int32_t>(codes.size()) + 1);
-        names.push_back(cell);
-        named = names.end() - 1;
-      }
-      if (named != names.end()) {
-        values[r] = codes[static_cast<size_t>(named - names.begin())];
-      } else if (!ParseCell(cell, &values[r])) {
-        return Bad(r, header, "an option of the column", error);
+      if (!found) {
+        return Fail(Where(m_source, 1, h.field) +
+                    "status column of a column that does not exist (" + h.name + ")");
       }
     }
-    std::vector<const char*> optionNames;
-    for (const std::string& n : names) optionNames.push_back(n.c_str());
-    m_table->AddCol(header.name.c_str(), static_cast<int32_t>(codes.size()), codes.data(),
-                    optionNames.data(), static_cast<int32_t>(m_rows), values.data());
+    for (CsvColumnHeader& h : headers) m_columns.emplace_back(std::move(h));
     return true;
   }
 
-  const CsvTable& m_csv;
+  bool ReadRow(CsvSplitter* splitter) {
+    const int64_t line = splitter->Line();
+    size_t f = 0;
+    CsvField field;
+    do {
+      if (!splitter->Next(&field)) return SplitFailed(*splitter);
+      if (f == 0 && field.last && field.text.empty() && !field.quoted) return true;  // blank
+      if (f < m_columns.size() && !AddCell(f, field.text, line)) return false;
+      ++f;
+    } while (!field.last);
+    if (f != m_columns.size()) {
+      return Fail(m_source + ":" + std::to_string(line) + ": " + std::to_string(f) +
+                  " fields, expected " + std::to_string(m_columns.size()) + " as in the header");
+    }
+    if (++m_rows > INT32_MAX) return Fail(m_source + ": too many rows for one table");
+    return true;
+  }
+
+  bool AddCell(size_t f, std::string_view cell, int64_t line) {
+    CsvColumn& column = m_columns[f];
+    switch (column.Add(cell, m_dictionary)) {
+      case CsvColumn::kOk:
+        return true;
+      case CsvColumn::kToText: {
+        const std::string copy(cell);  // the splitter's buffer is reused
+        Reread(f, m_rows);
+        column.AddText(copy, m_dictionary);
+        return true;
+      }
+      default:
+        return Fail(Where(m_source, line, f) + "'" + std::string(cell) + "' is not " +
+                    column.Expected() + " (column " + column.Header().name + ")");
+    }
+  }
+
+  // Makes room in every column for the rows the text seems to hold, judged
+  // by the length of its first record, `length`.
+  void Reserve(int64_t length) {
+    const int64_t rows = std::ssize(m_text) / std::max<int64_t>(length, 1) * 9 / 8;
+    for (CsvColumn& column : m_columns) {
+      column.Reserve(static_cast<size_t>(std::min<int64_t>(rows, kMaxReservedRows)));
+    }
+  }
+
+  // Adds the first `rows` cells of column `f` again, as texts.
+  void Reread(size_t f, int64_t rows) {
+    CsvSplitter splitter(m_text);
+    std::vector<std::string_view> fields;
+    NextRecord(&splitter, &fields);  // the header
+    for (int64_t r = 0; r < rows; ++r) {
+      NextRecord(&splitter, &fields);
+      m_columns[f].AddText(fields[f], m_dictionary);
+    }
+  }
+
+  std::string_view m_text;
   const std::string& m_source;
-  VCUTableMemory* m_table;
-  size_t m_rows;
+  VCUDictionary* m_dictionary;
+  std::string* m_error;
+  std::vector<CsvColumn> m_columns;
+  std::vector<std::string> m_copies;
+  int64_t m_rows = 0;
 };
+
+// Reads `text` into `table`; `owned`, when given, holds the text and is
+// freed before the columns are handed over, to keep the peak memory low.
+bool Load(std::string_view text, std::unique_ptr<char[]>* owned, const std::string& source,
+          VCUTableMemory* table, VCUDictionary* dictionary, std::string* error,
+          const CsvProgress& progress) {
+  // The table reports a failed AddCol (out of memory) on the error stack.
+  auto records = [] {
+    int32_t n = 0;
+    for (const VCErrorRecord* e = VFGetUtLibError(); e; e = VFErrorGetNextErr(e)) ++n;
+    return n;
+  };
+  const int32_t before = records();
+  try {
+    Reader reader(text, source, dictionary, error);
+    if (!reader.Run(progress)) return false;
+    if (owned) owned->reset();
+    reader.MoveInto(table);
+  } catch (const std::bad_alloc&) {
+    *error = source + ": out of memory";
+    return false;
+  }
+  if (records() != before) {
+    *error = source + ": out of memory";
+    return false;
+  }
+  return true;
+}
 
 }  // namespace
 
-bool CsvToMemoryTable(const CsvTable& csv, const std::string& source, VCUTableMemory* table,
-                      std::string* error, const ConvertProgress& progress) {
-  if (csv.rows.size() > static_cast<size_t>(INT32_MAX)) {
-    *error = source + ": too many rows for one table";
+bool CsvToMemoryTable(std::string_view text, const std::string& source, VCUTableMemory* table,
+                      VCUDictionary* dictionary, std::string* error, const CsvProgress& progress) {
+  return Load(text, nullptr, source, table, dictionary, error, progress);
+}
+
+bool ReadCsvToMemoryTable(const std::string& path, VCUTableMemory* table, VCUDictionary* dictionary,
+                          std::string* error, const CsvProgress& progress) {
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
+                                                       &std::fclose);
+  std::unique_ptr<char[]> text;  // not zero-filled first
+  size_t used = 0, capacity = 0;
+  constexpr size_t kChunk = size_t{16} << 20;
+  int64_t size = 0;
+  if (file && std::fseek(file.get(), 0, SEEK_END) == 0) {
+    size = std::max<int64_t>(std::ftell(file.get()), 0);
+    std::rewind(file.get());
+  }
+  try {
+    while (file && !std::ferror(file.get()) && !std::feof(file.get())) {
+      if (used >= static_cast<size_t>(kMaxFileBytes)) {
+        *error = path + ": larger than 16 GiB";
+        return false;
+      }
+      if (capacity - used < kChunk) {
+        const size_t grown =
+            std::max(capacity * 2, static_cast<size_t>(std::min(size, kMaxFileBytes)) + kChunk);
+        auto bigger = std::make_unique_for_overwrite<char[]>(grown);
+        if (used > 0) std::memcpy(bigger.get(), text.get(), used);
+        text = std::move(bigger);
+        capacity = grown;
+      }
+      const size_t got = std::fread(text.get() + used, 1, kChunk, file.get());
+      const bool nul = std::memchr(text.get() + used, 0, got) != nullptr;
+      used += got;
+      if (nul) break;  // reported while parsing
+      if (progress) progress("Reading", static_cast<int64_t>(used), std::max<int64_t>(size, 1));
+    }
+  } catch (const std::bad_alloc&) {
+    *error = path + ": out of memory";
     return false;
   }
-  std::vector<ColumnHeader> headers(csv.header.size());
-  for (size_t f = 0; f < headers.size(); ++f) {
-    headers[f].field = f;
-    if (!ParseHeaderCell(csv.header[f], &headers[f])) {
-      *error =
-          Where(source, 1, f) + "'" + csv.header[f] + "' is not name, name:type or name:status";
-      return false;
-    }
-    if (!headers[f].isStatus && headers[f].type == VTTableDataType::None) {
-      headers[f].type = Infer(csv, f);
-    }
+  if (!file || std::ferror(file.get())) {
+    *error = path + ": cannot be read";
+    return false;
   }
-  Converter converter(csv, source, table);
-  size_t done = 0;
-  for (const ColumnHeader& header : headers) {
-    if (!header.isStatus && !converter.Add(header, error)) return false;
-    if (progress) progress(++done, headers.size());
-  }
-  for (const ColumnHeader& header : headers) {
-    if (!header.isStatus) continue;
-    const bool found = std::any_of(headers.begin(), headers.end(), [&](const ColumnHeader& s) {
-      return !s.isStatus && VCString(s.name).CompareNoCase(header.name.c_str()) == 0;
-    });
-    if (!found) {
-      *error = Where(source, 1, header.field) + "status column of a column that does not exist (" +
-               header.name + ")";
-      return false;
-    }
-    if (!converter.AddStatus(header, error)) return false;
-  }
-  table->SetNumRows(static_cast<int32_t>(csv.rows.size()));
-  return true;
+  file.reset();
+  return Load(std::string_view(text.get(), used), &text, path, table, dictionary, error, progress);
 }
 
 }  // namespace utilkit::tool

@@ -4,10 +4,11 @@
 #include <cmath>
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include <utilkit/base/error_stack.h>
-#include <utilkit/base/number_text.h>
 
 #include "table_csv.h"
 
@@ -17,15 +18,8 @@ namespace {
 
 // Rows read from the table at a time.
 constexpr int64_t kBlock = 4096;
-
-struct OutColumn {
-  int32_t index = 0;
-  VCString keyword;
-  VTTableDataType type = VTTableDataType::None;
-  char hasStatus = 0;
-  VCArrayWithSort<int32_t> codes;
-  VCStringArray names;
-};
+// Bytes gathered before one write to the stream.
+constexpr size_t kFlushBytes = size_t{1} << 20;
 
 const char* TypeText(VTTableDataType type) {
   static const char* const kNames[] = {"none",  "short",  "long", "huge",
@@ -34,83 +28,175 @@ const char* TypeText(VTTableDataType type) {
   return at < std::size(kNames) ? kNames[at] : "none";
 }
 
-std::string HeaderOf(const OutColumn& c, bool typed) {
-  std::string text = c.keyword.str();
-  if (!typed) return text;
-  text.append(":").append(TypeText(c.type));
-  if (c.type == VTTableDataType::Enum && c.codes.GetSize() > 0) {
-    text.append("(");
-    for (int32_t i = 0; i < c.codes.GetSize(); ++i) {
-      if (i > 0) text.append("|");
-      text.append(std::to_string(c.codes[i])).append("=").append(c.names[i].str());
+bool EqualNoCase(std::string_view a, std::string_view b) {
+  return VCString(std::string(a)).CompareNoCase(std::string(b).c_str()) == 0;
+}
+
+// CSV records gathered in a buffer and written in large pieces.
+class CsvBuffer {
+ public:
+  explicit CsvBuffer(std::ostream& out) : m_out(out) { m_text.reserve(kFlushBytes + 4096); }
+
+  void Field(std::string_view text) {
+    Separate();
+    bool quote = text.starts_with("\xEF\xBB\xBF");
+    for (char c : text) quote = quote || c == ',' || c == '"' || c == '\r' || c == '\n';
+    if (!quote) {
+      m_text.append(text);
+      return;
     }
-    text.append(")");
+    m_text.push_back('"');
+    for (char c : text) {
+      if (c == '"') m_text.push_back('"');
+      m_text.push_back(c);
+    }
+    m_text.push_back('"');
   }
-  return text;
-}
+  template <class T>
+  void Number(T value) {
+    Separate();
+    if constexpr (std::is_floating_point_v<T>) {
+      if (std::isnan(value)) return;  // an empty cell
+    }
+    char text[48];
+    const auto [end, ec] = std::to_chars(text, text + sizeof text, value);
+    m_text.append(text, static_cast<size_t>(end - text));
+  }
+  // Ends a record; a record of one empty field is written "" so that it is
+  // not read as a blank line.
+  void EndRecord() {
+    if (m_fields == 1 && m_text.size() == m_recordStart) m_text.append("\"\"");
+    m_text.push_back('\n');
+    m_fields = 0;
+    m_recordStart = m_text.size();
+    if (m_text.size() >= kFlushBytes) Flush();
+  }
+  void Flush() {
+    m_out.write(m_text.data(), static_cast<std::streamsize>(m_text.size()));
+    m_text.clear();
+    m_recordStart = 0;
+  }
 
-std::string FloatText(float value) {
-  if (std::isnan(value)) return "";
-  char buffer[32];
-  const auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, value);
-  return std::string(buffer, ec == std::errc() ? end : buffer);
-}
+ private:
+  void Separate() {
+    if (m_fields++ > 0) m_text.push_back(',');
+  }
 
-// Reads `n` values with `read` and formats each with `format` into out[i].
-template <class T, class Read, class Format>
-bool Numbers(int64_t n, std::vector<std::string>* out, Read&& read, Format&& format) {
-  std::vector<T> values(static_cast<size_t>(n));
-  if (!read(values.data())) return false;
-  for (int64_t i = 0; i < n; ++i) (*out)[static_cast<size_t>(i)] = format(values[i]);
-  return true;
-}
+  std::ostream& m_out;
+  std::string m_text;
+  size_t m_fields = 0;
+  size_t m_recordStart = 0;
+};
 
-// The cells of rows first..first+n-1 of column `c`, as text.
-bool FormatBlock(VCUTable& t, const OutColumn& c, int64_t first, int64_t n,
-                 std::vector<std::string>* out) {
-  const int32_t col = c.index;
-  auto decimal = [](auto v) { return std::to_string(v); };
-  switch (c.type) {
-    case VTTableDataType::Short:
-      return Numbers<int16_t>(
-          n, out, [&](int16_t* v) { return t.GetValues_S(col, first, n, v); }, decimal);
-    case VTTableDataType::Long:
-      return Numbers<int32_t>(
-          n, out, [&](int32_t* v) { return t.GetValues_L(col, first, n, v); }, decimal);
-    case VTTableDataType::Huge:
-      return Numbers<int64_t>(
-          n, out, [&](int64_t* v) { return t.GetValues_H(col, first, n, v); }, decimal);
-    case VTTableDataType::Float:
-      return Numbers<float>(
-          n, out, [&](float* v) { return t.GetValues_F(col, first, n, v); }, FloatText);
-    case VTTableDataType::Double:
-      return Numbers<double>(
-          n, out, [&](double* v) { return t.GetValues_D(col, first, n, v); },
-          [](double v) { return std::isnan(v) ? std::string() : VFFormatDouble(v).str(); });
-    case VTTableDataType::Enum:
-      return Numbers<int32_t>(
-          n, out, [&](int32_t* v) { return t.GetValues_E(col, first, n, v, nullptr); },
-          [&](int32_t code) {
-            const int32_t at = c.codes.Find(code);
-            return at >= 0 ? c.names[at].str() : std::to_string(code);
-          });
-    default: {
-      VCStringArray texts;
-      if (!t.GetValues_T(col, first, n, &texts)) return false;
-      for (int64_t i = 0; i < n; ++i) {
-        (*out)[static_cast<size_t>(i)] = texts[static_cast<int32_t>(i)].str();
+// One column of the table and a block of its values.
+struct OutColumn {
+  int32_t index = 0;
+  VCString keyword;
+  VTTableDataType type = VTTableDataType::None;
+  char hasStatus = 0;
+  VCArrayWithSort<int32_t> codes;
+  VCStringArray names;
+  std::unordered_map<int32_t, std::string> codeTexts;  // how each Enum code is written
+  bool padCodes = false;
+  std::vector<int16_t> shorts;
+  std::vector<int32_t> longs;
+  std::vector<int64_t> huges;
+  std::vector<float> floats;
+  std::vector<double> doubles;
+  VCStringArray texts;
+  std::vector<uint16_t> status;
+
+  // An Enum cell is written by its option's name. For typed output, which
+  // must read back alike, only when that name reads back as its code (the
+  // first option of that exact name), else by its code, zero-padded until
+  // no option has that name.
+  void PrepareCodeTexts(bool typed) {
+    for (int32_t i = 0; i < codes.GetSize(); ++i) {
+      const std::string name = names[i].str();
+      bool first = true;
+      for (int32_t j = 0; j < i && typed; ++j) first = first && names[j].str() != name;
+      if (first) codeTexts.emplace(codes[i], name);
+    }
+    padCodes = typed;
+  }
+  const std::string& CodeText(int32_t code) {
+    if (auto known = codeTexts.find(code); known != codeTexts.end()) return known->second;
+    std::string text = std::to_string(code);
+    for (bool taken = padCodes; taken;) {
+      taken = false;
+      for (int32_t i = 0; i < names.GetSize() && !taken; ++i) {
+        taken = EqualNoCase(names[i].view(), text);
       }
-      return true;
+      if (taken) text.insert(text.begin() + (text[0] == '-' ? 1 : 0), '0');
+    }
+    return codeTexts.emplace(code, text).first->second;
+  }
+
+  std::string Header(bool typed) const {
+    std::string text = keyword.str();
+    if (!typed) return text;
+    text.append(":").append(TypeText(type));
+    if (type != VTTableDataType::Enum) return text;
+    text.append("(");
+    for (int32_t i = 0; i < codes.GetSize(); ++i) {
+      if (i > 0) text.append("|");
+      text.append(std::to_string(codes[i])).append("=");
+      for (char c : names[i].view()) text.append(c == '|' ? "||" : std::string(1, c));
+    }
+    return text.append(")");
+  }
+
+  // Reads rows first..first+n-1.
+  bool Read(VCUTable& t, int64_t first, int64_t n) {
+    const auto size = static_cast<size_t>(n);
+    if (hasStatus && (status.resize(size), !t.GetStatusValues(index, first, n, status.data()))) {
+      return false;
+    }
+    switch (type) {
+      case VTTableDataType::Short:
+        return shorts.resize(size), t.GetValues_S(index, first, n, shorts.data());
+      case VTTableDataType::Long:
+        return longs.resize(size), t.GetValues_L(index, first, n, longs.data());
+      case VTTableDataType::Enum:
+        return longs.resize(size), t.GetValues_E(index, first, n, longs.data(), nullptr);
+      case VTTableDataType::Huge:
+        return huges.resize(size), t.GetValues_H(index, first, n, huges.data());
+      case VTTableDataType::Float:
+        return floats.resize(size), t.GetValues_F(index, first, n, floats.data());
+      case VTTableDataType::Double:
+        return doubles.resize(size), t.GetValues_D(index, first, n, doubles.data());
+      default:
+        return t.GetValues_T(index, first, n, &texts);
     }
   }
-}
 
-bool FormatStatus(VCUTable& t, const OutColumn& c, int64_t first, int64_t n,
-                  std::vector<std::string>* out) {
-  return Numbers<uint16_t>(
-      n, out, [&](uint16_t* v) { return t.GetStatusValues(c.index, first, n, v); },
-      [](uint16_t v) { return std::to_string(v); });
-}
+  // Writes the cells of block row `r`.
+  void Write(size_t r, CsvBuffer* out) {
+    switch (type) {
+      case VTTableDataType::Short:
+        out->Number(shorts[r]);
+        break;
+      case VTTableDataType::Long:
+        out->Number(longs[r]);
+        break;
+      case VTTableDataType::Enum:
+        out->Field(CodeText(longs[r]));
+        break;
+      case VTTableDataType::Huge:
+        out->Number(huges[r]);
+        break;
+      case VTTableDataType::Float:
+        out->Number(floats[r]);
+        break;
+      case VTTableDataType::Double:
+        out->Number(doubles[r]);
+        break;
+      default:
+        out->Field(texts[static_cast<int32_t>(r)].view());
+    }
+    if (hasStatus) out->Number(status[r]);
+  }
+};
 
 bool Failed(std::string* error) {
   *error = VFErrorGetFullString().str();
@@ -120,12 +206,13 @@ bool Failed(std::string* error) {
 
 }  // namespace
 
-bool WriteTableCsv(VCUTable& table, bool typedHeader, std::ostream& out, std::string* error) {
+bool WriteTableCsv(VCUTable& table, bool typedHeader, std::ostream& out, std::string* error,
+                   const CsvProgress& progress) {
   int32_t cols = 0;
   int64_t rows = 0;
   if (!table.GetNumCols(&cols) || !table.GetNumRows(&rows)) return Failed(error);
   std::vector<OutColumn> columns(static_cast<size_t>(cols));
-  std::vector<std::string> record;
+  CsvBuffer buffer(out);
   for (int32_t i = 0; i < cols; ++i) {
     OutColumn& c = columns[static_cast<size_t>(i)];
     c.index = i;
@@ -134,26 +221,23 @@ bool WriteTableCsv(VCUTable& table, bool typedHeader, std::ostream& out, std::st
         (c.type == VTTableDataType::Enum && !table.GetEnumColOptions(i, &c.codes, &c.names))) {
       return Failed(error);
     }
-    record.push_back(HeaderOf(c, typedHeader));
-    if (c.hasStatus) record.push_back(c.keyword.str() + ":status");
+    c.PrepareCodeTexts(typedHeader);
+    buffer.Field(c.Header(typedHeader));
+    if (c.hasStatus) buffer.Field(c.keyword.str() + ":status");
   }
-  WriteCsvRecord(out, record);
-  std::vector<std::vector<std::string>> cells(record.size());
+  buffer.EndRecord();
   for (int64_t first = 1; first <= rows; first += kBlock) {
     const int64_t n = std::min(kBlock, rows - first + 1);
-    size_t field = 0;
-    for (const OutColumn& c : columns) {
-      cells[field].resize(static_cast<size_t>(n));
-      if (!FormatBlock(table, c, first, n, &cells[field++])) return Failed(error);
-      if (!c.hasStatus) continue;
-      cells[field].resize(static_cast<size_t>(n));
-      if (!FormatStatus(table, c, first, n, &cells[field++])) return Failed(error);
+    for (OutColumn& c : columns) {
+      if (!c.Read(table, first, n)) return Failed(error);
     }
-    for (int64_t r = 0; r < n; ++r) {
-      for (size_t f = 0; f < record.size(); ++f) record[f] = std::move(cells[f][r]);
-      WriteCsvRecord(out, record);
+    for (size_t r = 0; r < static_cast<size_t>(n); ++r) {
+      for (OutColumn& c : columns) c.Write(r, &buffer);
+      buffer.EndRecord();
     }
+    if (progress) progress("Writing", first + n - 1, rows);
   }
+  buffer.Flush();
   return true;
 }
 

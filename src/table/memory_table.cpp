@@ -360,14 +360,34 @@ bool VCUTableMemory::GetValues_D(int32_t col, int64_t first, int64_t count, doub
 }
 
 const double* VCUTableMemory::PeekValues_D(int32_t col, int64_t first, int64_t count) {
+  return static_cast<const double*>(PeekCells(col, VTTableDataType::Double, first, count, nullptr));
+}
+
+const void* VCUTableMemory::PeekCells(int32_t col, VTTableDataType type, int64_t first,
+                                      int64_t count, const VCUDictionary** dictionary) {
   const auto& cols = m_impl->cols;
   if (col < 0 || static_cast<size_t>(col) >= cols.size()) return nullptr;
   const VCUTableMemory_Col& c = *cols[static_cast<size_t>(col)];
-  if (c.type != VTTableDataType::Double || first < 1 || count < 1 ||
-      count > c.Length() - first + 1) {
-    return nullptr;
+  if (c.type != type || first < 1 || count < 1 || count > c.Length() - first + 1) return nullptr;
+  switch (type) {
+    case VTTableDataType::Short:
+      return Buffer<int16_t>::Get(c.data) + (first - 1);
+    case VTTableDataType::Long:
+    case VTTableDataType::Enum:
+      return Buffer<int32_t>::Get(c.data) + (first - 1);
+    case VTTableDataType::Huge:
+      return Buffer<int64_t>::Get(c.data) + (first - 1);
+    case VTTableDataType::Float:
+      return Buffer<float>::Get(c.data) + (first - 1);
+    case VTTableDataType::Double:
+      return Buffer<double>::Get(c.data) + (first - 1);
+    case VTTableDataType::Text:
+      if (c.refs.GetSize() == 0 || dictionary == nullptr) return nullptr;
+      *dictionary = c.dictionary;
+      return c.refs.GetData() + (first - 1);
+    default:
+      return nullptr;
   }
-  return Buffer<double>::Get(c.data) + (first - 1);
 }
 
 // Copies the texts of rows first..first+count-1 of a checked column.

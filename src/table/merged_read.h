@@ -24,11 +24,16 @@ namespace utilkit::table {
 // Texts are read through a scratch array in chunks of this many rows.
 inline constexpr int64_t kTextChunk = 4096;
 
-// Cells of a numeric type (or status words), read with `Reader`.
-template <class T, bool (VCUTable::*Reader)(int32_t, int64_t, int64_t, T*)>
+// Cells of a numeric type (or status words, type None), read with `Reader`.
+template <class T, bool (VCUTable::*Reader)(int32_t, int64_t, int64_t, T*), VTTableDataType Type>
 struct NumericCells {
   using Cell = T;
   T* out;
+  // The type whose peeked arrays hold these cells (None: none do).
+  VTTableDataType PeekType() const { return Type; }
+  void Put(int64_t at, const void* cells, int64_t index, const VCUDictionary*) const {
+    out[at] = static_cast<const T*>(cells)[index];
+  }
   bool Read(VCUTable& t, int32_t col, int64_t row, int64_t count, int64_t at,
             VCStringArray&) const {
     return (t.*Reader)(col, row, count, out + at);
@@ -36,12 +41,12 @@ struct NumericCells {
   void Fill(int64_t at, int64_t count, T value = T{}) const { std::fill_n(out + at, count, value); }
 };
 
-using CellsS = NumericCells<int16_t, &VCUTable::GetValues_S>;
-using CellsL = NumericCells<int32_t, &VCUTable::GetValues_L>;
-using CellsH = NumericCells<int64_t, &VCUTable::GetValues_H>;
-using CellsF = NumericCells<float, &VCUTable::GetValues_F>;
-using CellsD = NumericCells<double, &VCUTable::GetValues_D>;
-using CellsStatus = NumericCells<uint16_t, &VCUTable::GetStatusValues>;
+using CellsS = NumericCells<int16_t, &VCUTable::GetValues_S, VTTableDataType::Short>;
+using CellsL = NumericCells<int32_t, &VCUTable::GetValues_L, VTTableDataType::Long>;
+using CellsH = NumericCells<int64_t, &VCUTable::GetValues_H, VTTableDataType::Huge>;
+using CellsF = NumericCells<float, &VCUTable::GetValues_F, VTTableDataType::Float>;
+using CellsD = NumericCells<double, &VCUTable::GetValues_D, VTTableDataType::Double>;
+using CellsStatus = NumericCells<uint16_t, &VCUTable::GetStatusValues, VTTableDataType::None>;
 
 // Texts, and Enum codes with their names when `names` is not null.
 // `codes` null means a text read.
@@ -63,6 +68,18 @@ struct TextOrEnumCells {
       }
     }
     return true;
+  }
+  // Texts and bare Enum codes are gathered from peeked arrays; Enum names
+  // are not.
+  VTTableDataType PeekType() const {
+    return codes ? (names ? VTTableDataType::None : VTTableDataType::Enum) : VTTableDataType::Text;
+  }
+  void Put(int64_t at, const void* cells, int64_t index, const VCUDictionary* dictionary) const {
+    if (codes) {
+      codes[at] = static_cast<const int32_t*>(cells)[index];
+    } else {
+      names[at] = dictionary->GetString(static_cast<VCUDictionaryRef* const*>(cells)[index]);
+    }
   }
   void Fill(int64_t at, int64_t count) const {
     if (codes) std::fill_n(codes + at, count, 0);
@@ -147,6 +164,44 @@ bool ReadMergedCells(VCUTableProcessorState& s, const char* location, int32_t co
     }
   }
   return ok;
+}
+
+// Gathers the merged rows rows[0, count) of merged column `col` (an index
+// the caller has checked, rows too) into `cells` from position `at` on,
+// straight from the arrays the input tables keep (VCUTable::PeekCells):
+// no call and no allocation per cell. False, having written nothing, when
+// an input keeps its cells otherwise or the column has written cells; the
+// caller then reads as usual.
+template <class Cells>
+bool GatherMergedCells(VCUTableProcessorState& s, int32_t col, const int32_t* rows, int64_t count,
+                       const Cells& cells, int64_t at = 0) {
+  const MergedColumn& mc = s.merged[static_cast<size_t>(col)];
+  const VTTableDataType type = cells.PeekType();
+  if (mc.writable || type == VTTableDataType::None) return false;
+  struct Source {
+    const void* cells = nullptr;  // null: the table lacks the column
+    const VCUDictionary* dictionary = nullptr;
+  };
+  std::vector<Source> sources(s.inputs.size());
+  for (size_t t = 0; t < sources.size(); ++t) {
+    const auto table = static_cast<int32_t>(t);
+    const int64_t length = s.rowMap.TableRows(table);
+    const int32_t c = table < mc.index.GetSize() ? mc.index[table] : -1;
+    if (c < 0 || length == 0) continue;
+    sources[t].cells = s.inputs[t]->PeekCells(c, type, 1, length, &sources[t].dictionary);
+    if (sources[t].cells == nullptr) return false;
+  }
+  for (int64_t i = 0; i < count; ++i) {
+    const RowRun& run = s.rowMap.Find(rows[i]);
+    const Source& source = sources[static_cast<size_t>(run.table)];
+    if (source.cells == nullptr) {
+      cells.Fill(at + i, 1);
+    } else {
+      cells.Put(at + i, source.cells, run.tableRow - 1 + (rows[i] - run.mergedFirst),
+                source.dictionary);
+    }
+  }
+  return true;
 }
 
 // Makes merged column `mc` writable with no cell written yet (forgetting

@@ -78,6 +78,11 @@ bool Read(VCUTableProcessorState& s, const char* location, int32_t col, int64_t 
   const OutputColumn* c = OutputAt(s, col, location);
   if (c == nullptr || !CheckOutputRows(s, location, first, count)) return false;
   if (c->computed) return ReadComputed(s, location, *c->computed, first, count, cells);
+  // Rows that are not one run (sorted, filtered) are gathered when they can be.
+  const int32_t* rows = s.outputRows.GetData() + (first - 1);
+  if (!RowsAreConsecutive(rows, 0, count) && GatherMergedCells(s, c->merged, rows, count, cells)) {
+    return true;
+  }
   return ForEachRowRun(s.outputRows.GetData() + (first - 1), 0, count, kChunk,
                        [&](int64_t row, int64_t n, int64_t at) {
                          return ReadMergedCells(s, location, c->merged, row, n, cells, at);

@@ -7,18 +7,29 @@ namespace utilkit::table {
 
 void RowMap::Clear() {
   std::vector<RowRun>().swap(m_runs);
+  m_tableRows.clear();
   m_size = 0;
   m_last = 0;
 }
 
 bool RowMap::Append(int32_t table, int32_t tableRow, int32_t count) {
   if (count <= 0) return true;
+  try {
+    if (m_tableRows.size() <= static_cast<size_t>(table)) {
+      m_tableRows.resize(static_cast<size_t>(table) + 1, 0);
+    }
+  } catch (...) {
+    return false;
+  }
+  int64_t& rows = m_tableRows[static_cast<size_t>(table)];
+  const int64_t end = std::max(rows, int64_t{tableRow} + count - 1);
   if (!m_runs.empty()) {
     RowRun& last = m_runs.back();
     if (last.table == table && static_cast<int64_t>(last.tableRow) + last.count == tableRow &&
         last.count <= INT32_MAX - count) {
       last.count += count;
       m_size += count;
+      rows = end;
       return true;
     }
   }
@@ -28,6 +39,7 @@ bool RowMap::Append(int32_t table, int32_t tableRow, int32_t count) {
     return false;
   }
   m_size += count;
+  rows = end;
   return true;
 }
 

@@ -24,6 +24,12 @@ class RowMap {
  public:
   // Number of merged rows.
   int64_t Size() const { return m_size; }
+  // The last row of input table `table` that the map holds (0: none).
+  int64_t TableRows(int32_t table) const {
+    return table >= 0 && static_cast<size_t>(table) < m_tableRows.size()
+               ? m_tableRows[static_cast<size_t>(table)]
+               : 0;
+  }
   void Clear();
 
   // Appends `count` rows of `table` from `tableRow` on, joining the last run
@@ -56,7 +62,8 @@ class RowMap {
  private:
   std::vector<RowRun> m_runs;
   int64_t m_size = 0;
-  mutable size_t m_last = 0;  // index of the run found last
+  std::vector<int64_t> m_tableRows;  // TableRows, by input table
+  mutable size_t m_last = 0;         // index of the run found last
 };
 
 }  // namespace utilkit::table

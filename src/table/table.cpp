@@ -36,6 +36,11 @@ const double* VCUTable::PeekValues_D(int32_t, int64_t, int64_t) {
   return nullptr;
 }
 
+const void* VCUTable::PeekCells(int32_t col, VTTableDataType type, int64_t first, int64_t count,
+                                const VCUDictionary**) {
+  return type == VTTableDataType::Double ? PeekValues_D(col, first, count) : nullptr;
+}
+
 bool VCUTable::GetValues_T(int32_t, int64_t, int64_t, VCString*) {
   return false;
 }

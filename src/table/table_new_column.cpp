@@ -188,7 +188,9 @@ bool VCUTableNewColumn::CalculateRowValue_H(VCUTable*, int64_t row, int64_t* val
                "VCUTableNewColumn::CalculateRowValue_H", 0);
     return false;
   }
-  *value = m_impl->rowIndexStart + row - 1;
+  // Wraps past the largest Huge rather than overflowing (see SetGenerateRowIndex).
+  *value = static_cast<int64_t>(static_cast<uint64_t>(m_impl->rowIndexStart) +
+                                static_cast<uint64_t>(row) - 1u);
   return true;
 }
 

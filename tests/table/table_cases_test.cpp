@@ -40,7 +40,6 @@
 #include <utilkit/table/table_processor.h>
 
 #include "case_file.h"
-#include "csv_table.h"
 #include "table_csv.h"
 #include "table_job.h"
 
@@ -94,6 +93,7 @@ class TableCaseTest : public testing::TestWithParam<case_file::Case> {
 
 TEST_P(TableCaseTest, GivesTheExpectedOutputAndErrors) {
   const case_file::Case& c = GetParam();
+  std::vector<std::unique_ptr<VCUDictionary>> texts;
   std::vector<std::unique_ptr<VCUTableMemory>> tables;
   std::vector<utilkit::tool::TableInput> inputs;
   std::string failure;
@@ -102,12 +102,10 @@ TEST_P(TableCaseTest, GivesTheExpectedOutputAndErrors) {
     std::string name;
     utilkit::tool::TableInput& input = inputs.emplace_back();
     utilkit::tool::SplitInputArgument(title.substr(6), &name, &input.rows, &input.selected);
+    texts.push_back(std::make_unique<VCUDictionary>());
     tables.push_back(std::make_unique<VCUTableMemory>(name.c_str()));
     input.table = tables.back().get();
-    utilkit::tool::CsvTable csv;
-    if (utilkit::tool::ParseCsv(text, name, &csv, &failure)) {
-      utilkit::tool::CsvToMemoryTable(csv, name, tables.back().get(), &failure);
-    }
+    utilkit::tool::CsvToMemoryTable(text, name, tables.back().get(), texts.back().get(), &failure);
   }
   const utilkit::tool::TableJob job = ReadJob(c.Find("job"));
   utilkit::tool::TableOperations operations;

@@ -111,6 +111,8 @@ class UTILKIT_API VCUTableMemory : public VCUTable {
                    VCStringArray* names) override;
   bool GetStatusValues(int32_t col, int64_t first, int64_t count, uint16_t* out) override;
   const double* PeekValues_D(int32_t col, int64_t first, int64_t count) override;
+  const void* PeekCells(int32_t col, VTTableDataType type, int64_t first, int64_t count,
+                        const VCUDictionary** dictionary) override;
 
  private:
   struct Impl;

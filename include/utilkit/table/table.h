@@ -33,6 +33,7 @@
 
 #include <cstdint>
 
+#include <utilkit/base/dictionary.h>
 #include <utilkit/base/export.h>
 #include <utilkit/base/vc_array_with_sort.h>
 #include <utilkit/base/vc_string.h>
@@ -130,6 +131,15 @@ class UTILKIT_API VCUTable {
   // argument too) null, adding no error record, and the reader falls back
   // on GetValues_D. Here: always null.
   virtual const double* PeekValues_D(int32_t col, int64_t first, int64_t count);
+  // The same for a column of `type`: its cells as one array of int16_t
+  // (Short), int32_t (Long, and Enum codes), int64_t (Huge), float, double,
+  // or for a Text column whose cells are references into a dictionary,
+  // VCUDictionaryRef* with `*dictionary` set to it (Text needs
+  // `dictionary`). Null, adding no error record, for a column of another
+  // type or kept otherwise and for any bad argument; readers then fall back
+  // on the typed readers. Here: PeekValues_D for Double, else null.
+  virtual const void* PeekCells(int32_t col, VTTableDataType type, int64_t first, int64_t count,
+                                const VCUDictionary** dictionary = nullptr);
 
   // One cell as a variant, read with the reader of `type` (None: the
   // column's own type); an Enum cell reads as its code (a long). Fails with

@@ -63,7 +63,8 @@ class UTILKIT_API VCUTableNewColumn : public VCUTableOperation {
   // Computes the expression (clears the row index). Never fails; the text
   // is checked by Validate.
   bool SetExpression(VCString expression);
-  // Numbers the rows from `start`. Never fails.
+  // Numbers the rows from `start`. Never fails; numbers past the largest
+  // Huge wrap around to the smallest (two's complement) rather than overflow.
   bool SetGenerateRowIndex(int64_t start);
   // Computes numerator / value of column `keyword`. Never fails.
   bool SetDivideByCol(double numerator, const char* keyword);

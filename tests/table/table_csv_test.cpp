@@ -1,0 +1,218 @@
+// The table command's CSV reading and writing: a table written with typed
+// headers reads back as the same table (a property over random tables), and
+// text that no table can hold is refused.
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <utilkit/base/error_stack.h>
+#include <utilkit/table/memory_table.h>
+
+#include "table_csv.h"
+
+namespace {
+
+using utilkit::tool::CsvToMemoryTable;
+
+// Random tables of every column type, with the texts that CSV and the
+// typed header have to escape.
+class RandomTable {
+ public:
+  explicit RandomTable(uint32_t seed) : m_random(seed) {}
+
+  void Fill(VCUTableMemory* table) {
+    const int32_t rows = Pick(0, 4) == 0 ? Pick(0, 1) : Pick(0, 30);
+    const int32_t cols = Pick(1, 6);
+    for (int32_t c = 0; c < cols; ++c) {
+      const std::string name = Text() + "#" + std::to_string(c) + (Pick(0, 3) == 0 ? ":x" : "");
+      const std::string keyword = c == 0 && Pick(0, 3) == 0 ? "\xEF\xBB\xBF" + name : name;
+      AddColumn(table, keyword.c_str(), rows);
+      if (Pick(0, 3) == 0) {
+        std::vector<uint16_t> status(static_cast<size_t>(rows));
+        for (auto& s : status) s = static_cast<uint16_t>(Pick(0, 0xFFFF));
+        table->SetColStatus(keyword.c_str(), rows, status.data());
+      }
+    }
+    table->SetNumRows(rows);
+  }
+
+ private:
+  int32_t Pick(int32_t low, int32_t high) {
+    return std::uniform_int_distribution<int32_t>(low, high)(m_random);
+  }
+  std::string Text() {
+    static const char* const kPieces[] = {"a",  "A", "x y", ",", "\"", "\n", "\r\n", "|",
+                                          "||", "=", ")",   "(", "1",  "-2", " ",    "\xEF\xBB\xBF",
+                                          "é"};
+    std::string text;
+    for (int32_t n = Pick(0, 3); n > 0; --n) text += kPieces[Pick(0, std::size(kPieces) - 1)];
+    return text;
+  }
+  template <class T>
+  T Bits() {
+    uint64_t bits = (uint64_t{m_random()} << 32) | m_random();
+    T value{};
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+  }
+  double Real() {
+    static const double kSpecial[] = {0.0,
+                                      -0.0,
+                                      0.1,
+                                      1e300,
+                                      5e-324,
+                                      -2.5,
+                                      std::numeric_limits<double>::infinity(),
+                                      std::numeric_limits<double>::quiet_NaN()};
+    return Pick(0, 2) == 0 ? kSpecial[Pick(0, std::size(kSpecial) - 1)] : Bits<double>();
+  }
+
+  void AddColumn(VCUTableMemory* table, const char* keyword, int32_t rows) {
+    const auto n = static_cast<size_t>(rows);
+    switch (Pick(0, 6)) {
+      case 0: {
+        std::vector<int16_t> v(n);
+        for (auto& x : v) x = Bits<int16_t>();
+        return table->AddCol(keyword, rows, v.data());
+      }
+      case 1: {
+        std::vector<int32_t> v(n);
+        for (auto& x : v) x = Bits<int32_t>();
+        return table->AddCol(keyword, rows, v.data());
+      }
+      case 2: {
+        std::vector<int64_t> v(n);
+        for (auto& x : v) x = Bits<int64_t>();
+        return table->AddCol(keyword, rows, v.data());
+      }
+      case 3: {
+        std::vector<float> v(n);
+        for (auto& x : v) x = static_cast<float>(Real()) * (Pick(0, 1) ? 1 : 1e-30f);
+        return table->AddCol(keyword, rows, v.data());
+      }
+      case 4: {
+        std::vector<double> v(n);
+        for (auto& x : v) x = Real();
+        return table->AddCol(keyword, rows, v.data());
+      }
+      case 5: {
+        std::vector<std::string> texts(n);
+        std::vector<const char*> v(n);
+        for (size_t r = 0; r < n; ++r) v[r] = (texts[r] = Text()).c_str();
+        return table->AddCol(keyword, rows, v.data());
+      }
+      default: {  // codes that are not 1..n, names that look like codes
+        std::vector<int32_t> codes;
+        std::vector<std::string> names;
+        for (int32_t i = Pick(0, 4); i > 0; --i) {
+          codes.push_back(Pick(-3, 12) * 7 + i);
+          names.push_back(Pick(0, 2) == 0 ? std::to_string(Pick(-3, 90)) : Text());
+        }
+        std::vector<const char*> namePointers;
+        for (const auto& name : names) namePointers.push_back(name.c_str());
+        std::vector<int32_t> v(n);
+        for (auto& x : v)
+          x = !codes.empty() && Pick(0, 3) > 0 ? codes[Pick(0, codes.size() - 1)] : Pick(-90, 90);
+        return table->AddCol(keyword, static_cast<int32_t>(codes.size()), codes.data(),
+                             namePointers.data(), rows, v.data());
+      }
+    }
+  }
+
+  std::mt19937 m_random;
+};
+
+// Every cell of `table` as text (doubles and floats by their bits, NaN as
+// one text), with its type, keyword, options and status.
+std::string Describe(VCUTable& table) {
+  std::ostringstream out;
+  int32_t cols = 0;
+  int64_t rows = 0;
+  table.GetNumCols(&cols);
+  table.GetNumRows(&rows);
+  out << cols << " x " << rows << "\n";
+  for (int32_t c = 0; c < cols; ++c) {
+    VCString keyword;
+    VTTableDataType type{};
+    char hasStatus = 0;
+    table.GetColKeyword(c, &keyword);
+    table.GetColType(c, &type);
+    table.GetColHasStatus(c, &hasStatus);
+    out << "[" << keyword.str() << "] " << static_cast<int>(type) << " status " << int{hasStatus};
+    if (type == VTTableDataType::Enum) {
+      VCArrayWithSort<int32_t> codes;
+      VCStringArray names;
+      table.GetEnumColOptions(c, &codes, &names);
+      for (int32_t i = 0; i < codes.GetSize(); ++i) out << " " << codes[i] << "=" << names[i].str();
+    }
+    out << ":";
+    for (int64_t r = 1; r <= rows; ++r) {
+      int16_t s = 0;
+      int32_t l = 0;
+      int64_t h = 0;
+      float f = 0;
+      double d = 0;
+      VCStringArray t;
+      if (type == VTTableDataType::Short && table.GetValues_S(c, r, 1, &s)) out << " " << s;
+      if (type == VTTableDataType::Long && table.GetValues_L(c, r, 1, &l)) out << " " << l;
+      if (type == VTTableDataType::Enum && table.GetValues_E(c, r, 1, &l, nullptr)) out << " " << l;
+      if (type == VTTableDataType::Huge && table.GetValues_H(c, r, 1, &h)) out << " " << h;
+      if (type == VTTableDataType::Float && table.GetValues_F(c, r, 1, &f)) {
+        out << " " << (std::isnan(f) ? 0 : std::bit_cast<uint32_t>(f));
+      }
+      if (type == VTTableDataType::Double && table.GetValues_D(c, r, 1, &d)) {
+        out << " " << (std::isnan(d) ? 0 : std::bit_cast<uint64_t>(d));
+      }
+      if (type == VTTableDataType::Text && table.GetValues_T(c, r, 1, &t)) {
+        out << " <" << t[0].str() << ">";
+      }
+      uint16_t status = 0;
+      if (hasStatus && table.GetStatusValues(c, r, 1, &status)) out << "/" << status;
+    }
+    out << "\n";
+  }
+  return out.str();
+}
+
+TEST(TableCsvTest, TypedOutputReadsBackAsTheSameTable) {
+  for (uint32_t seed = 1; seed <= 200; ++seed) {
+    VFErrorClear();
+    VCUTableMemory table("random");
+    RandomTable(seed).Fill(&table);
+    std::ostringstream out;
+    std::string error;
+    ASSERT_TRUE(utilkit::tool::WriteTableCsv(table, true, out, &error)) << error;
+    VCUDictionary texts;
+    VCUTableMemory back("back");
+    ASSERT_TRUE(CsvToMemoryTable(out.str(), "random", &back, &texts, &error))
+        << "seed " << seed << ": " << error << "\n"
+        << out.str();
+    ASSERT_EQ(Describe(back), Describe(table)) << "seed " << seed << "\n" << out.str();
+  }
+}
+
+TEST(TableCsvTest, RefusesTextNoTableHolds) {
+  static const char kNul[] = "T,D\nab,1\n\"x\ny\",2\nc\0d,3\n";
+  const std::pair<std::string, std::string> kCases[] = {
+      {std::string(kNul, sizeof kNul - 1), "in:5: a NUL byte, which no cell can hold"},
+      {"T,t:double\n", "in:1:2: a second column named t"},
+      {"D:double\n1e999\n", "in:2:1: '1e999' is not a double (column D)"},
+      {"F:float\n1e39\n", "in:2:1: '1e39' is not a float (column F)"},
+  };
+  for (const auto& [text, message] : kCases) {
+    VCUDictionary texts;
+    VCUTableMemory table("in");
+    std::string error;
+    EXPECT_FALSE(CsvToMemoryTable(text, "in", &table, &texts, &error));
+    EXPECT_EQ(error, message);
+  }
+}
+
+}  // namespace
