@@ -39,7 +39,8 @@ struct CsvTable {
 bool ParseCsv(std::string_view text, const std::string& source, CsvTable* table,
               std::string* error);
 
-// Reads the file at `path` and parses it; a file that cannot be read is an error.
+// Reads the file at `path` and parses it; a directory, a file that cannot be
+// read and one over 256 MiB (input_file.h) are errors.
 bool ReadCsvFile(const std::string& path, CsvTable* table, std::string* error);
 
 // Writes one record ending in "\n", quoting the fields that hold a comma, a

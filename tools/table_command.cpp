@@ -1,5 +1,6 @@
 #include "table_command.h"
 
+#include <chrono>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
@@ -19,13 +20,11 @@
 #include <utilkit/table/memory_table.h>
 #include <utilkit/table/table_processor.h>
 
-#include "csv_table.h"
+#include "sections_command.h"
 #include "table_csv.h"
 #include "table_job.h"
 
 namespace {
-
-using utilkit::tool::CsvTable;
 
 constexpr const char* kFooter = R"(Input files:
   The first line names the columns. `name:type` declares a column's type
@@ -87,25 +86,44 @@ Examples:
   utilkit table --compress Channel:Peak:later examples/tests_a.csv examples/tests_b.csv
   utilkit table --new "Rate=#Load# / #Seconds#" --div-zero 0 --row-index No examples/runs.csv)";
 
-// Files at least this large get a progress line (when it can be seen).
-constexpr int64_t kProgressBytes = 1 << 20;
-
 struct TableOptions {
   std::vector<std::string> inputs;
   utilkit::tool::TableJob job;
   std::string output;
   std::string format = "csv";
   bool types = false;
+  bool quiet = false;
+  utilkit::tool::SectionsCut sections;
 };
 
-// A progress line on standard error, shown only when it is a terminal.
+// A progress line on standard error, shown only when it is a terminal and
+// the work has taken a second: how far, the rate and the time left.
 class Progress {
  public:
   explicit Progress(bool wanted) : m_on(wanted && UTILKIT_ISATTY(stderr)) {}
   ~Progress() { Done(); }
-  void Show(const std::string& text) {
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  // `done` of `total` bytes (or rows, with `rows`) of `what`.
+  void Show(const std::string& what, int64_t done, int64_t total, bool rows = false) {
     if (!m_on) return;
-    std::fprintf(stderr, "\r%s\x1b[K", text.c_str());
+    using Clock = std::chrono::steady_clock;
+    const auto now = Clock::now();
+    if (what != m_what) {
+      m_what = what;
+      m_start = now;
+    }
+    const double seconds = std::chrono::duration<double>(now - m_start).count();
+    if (seconds < 1.0 || now - m_last < std::chrono::milliseconds(100)) return;
+    m_last = now;
+    const double scale = rows ? 1.0 : 1.0 / (1 << 20);
+    const char* unit = rows ? "rows" : "MB";
+    const double rate = static_cast<double>(done) / seconds;
+    const double left = rate > 0 ? static_cast<double>(total - done) / rate : 0;
+    std::fprintf(stderr, "\r%s: %.0f of %.0f %s, %.0f %s/s, %.0f s left\x1b[K", what.c_str(),
+                 static_cast<double>(done) * scale, static_cast<double>(total) * scale, unit,
+                 rate * scale, unit, left);
     m_shown = true;
   }
   void Done() {
@@ -116,6 +134,8 @@ class Progress {
  private:
   bool m_on;
   bool m_shown = false;
+  std::string m_what;
+  std::chrono::steady_clock::time_point m_start, m_last;
 };
 
 int Fail(std::string message) {
@@ -133,42 +153,16 @@ int FailWithErrors() {
   return 1;
 }
 
-// Reads a CSV file, showing how far it has got when it is large.
-bool ReadInput(const std::string& path, CsvTable* csv, std::string* error) {
-  std::ifstream file(path, std::ios::binary | std::ios::ate);
-  if (!file) {
-    *error = path + ": cannot be read";
-    return false;
-  }
-  const int64_t size = static_cast<int64_t>(file.tellg());
-  file.seekg(0);
-  Progress progress(size >= kProgressBytes);
-  std::string text(static_cast<size_t>(size), '\0');
-  constexpr int64_t kChunk = 4 << 20;
-  for (int64_t done = 0; done < size; done += kChunk) {
-    progress.Show("Reading " + path + ": " + std::to_string(done * 100 / size) + "%");
-    file.read(text.data() + done, std::min(kChunk, size - done));
-    if (!file) {
-      *error = path + ": cannot be read";
-      return false;
-    }
-  }
-  progress.Show("Parsing " + path);
-  return utilkit::tool::ParseCsv(text, path, csv, error);
-}
-
 // Loads one input into `table`: its rows, and the selected rows if any.
-bool LoadInput(const std::string& argument, VCUTableMemory* table, std::vector<int64_t>* rows,
-               bool* selected, std::string* error) {
+bool LoadInput(const std::string& argument, bool quiet, VCUTableMemory* table, VCUDictionary* texts,
+               std::vector<int64_t>* rows, bool* selected, std::string* error) {
   std::string path;
   utilkit::tool::SplitInputArgument(argument, &path, rows, selected);
-  CsvTable csv;
-  if (!ReadInput(path, &csv, error)) return false;
-  Progress progress(csv.rows.size() * csv.header.size() >= static_cast<size_t>(kProgressBytes));
-  return utilkit::tool::CsvToMemoryTable(csv, path, table, error, [&](size_t done, size_t total) {
-    progress.Show("Converting " + path + ": column " + std::to_string(done) + " of " +
-                  std::to_string(total));
-  });
+  Progress progress(!quiet);
+  return utilkit::tool::ReadCsvToMemoryTable(
+      path, table, texts, error, [&](const char* stage, int64_t done, int64_t total) {
+        progress.Show(std::string(stage) + " " + path, done, total);
+      });
 }
 
 int Write(VCUTable& table, const TableOptions& options) {
@@ -186,7 +180,14 @@ int Write(VCUTable& table, const TableOptions& options) {
   }
   std::ostream& out = options.output.empty() ? std::cout : file;
   std::string error;
-  if (!utilkit::tool::WriteTableCsv(table, options.types, out, &error)) return Fail(error);
+  Progress progress(!options.quiet);
+  if (!utilkit::tool::WriteTableCsv(table, options.types, out, &error,
+                                    [&](const char*, int64_t done, int64_t total) {
+                                      progress.Show("Writing", done, total, true);
+                                    })) {
+    return Fail(error);
+  }
+  progress.Done();
   out.flush();
   return out ? 0 : Fail("writing the result failed");
 }
@@ -198,16 +199,26 @@ int RunTable(const TableOptions& options) {
   if (std::string error; !utilkit::tool::BuildTableOperations(options.job, &operations, &error)) {
     return Fail(error);
   }
+  // Each table's texts are pooled in its dictionary, which outlives it.
+  std::vector<std::unique_ptr<VCUDictionary>> texts;
   std::vector<std::unique_ptr<VCUTableMemory>> tables;
   std::vector<utilkit::tool::TableInput> inputs;
   for (const std::string& argument : options.inputs) {
+    texts.push_back(std::make_unique<VCUDictionary>());
     tables.push_back(std::make_unique<VCUTableMemory>(argument.c_str()));
     utilkit::tool::TableInput& input = inputs.emplace_back();
     input.table = tables.back().get();
     std::string error;
-    if (!LoadInput(argument, tables.back().get(), &input.rows, &input.selected, &error)) {
+    if (!LoadInput(argument, options.quiet, tables.back().get(), texts.back().get(), &input.rows,
+                   &input.selected, &error)) {
       return Fail(error);
     }
+  }
+  if (std::string error; !utilkit::tool::ApplySectionsCut(options.sections, &inputs, &error)) {
+    return Fail(error);
+  }
+  if (std::string error; !utilkit::tool::CheckFilterValues(inputs, operations, &error)) {
+    return Fail(error);
   }
   VCUTableProcessor processor;
   if (!utilkit::tool::RunTableJob(inputs, options.job, operations, &processor)) {
@@ -266,6 +277,9 @@ void AddTableCommand(CLI::App& app) {
       ->check(CLI::IsMember({"csv", "dump"}))
       ->capture_default_str();
   table->add_flag("--types", options->types, "Write `name:type` headers that read back alike");
+  table->add_flag("--quiet,-q", options->quiet,
+                  "No progress line (shown on a terminal for work over a second)");
+  utilkit::tool::AddSectionsCutOptions(table, &options->sections);
   table->footer(kFooter);
   table->callback([options] {
     if (const int status = RunTable(*options); status != 0) throw CLI::RuntimeError(status);

@@ -54,7 +54,10 @@ bool IsReserved(const Token& t) {
 
 class Parser {
  public:
-  explicit Parser(std::string_view text) : m_text(text) { Advance(); }
+  Parser(std::string_view text, std::vector<FilterTextValue>* textValues)
+      : m_text(text), m_textValues(textValues) {
+    Advance();
+  }
 
   bool Parse(Node* node, std::string* error) {
     bool ok = ParseOr(node) && m_error.empty();
@@ -161,20 +164,27 @@ class Parser {
 
   bool ParseUnary(Node* node) {
     if (!m_error.empty()) return false;
-    if (Keyword(m_token, "NOT") || Is("!")) {
+    bool negated = false;
+    while (Keyword(m_token, "NOT") || Is("!")) {
       Advance();
-      if (!ParseUnary(node)) return false;
-      node->negated = !node->negated;
-      return true;
+      negated = !negated;
     }
     if (Is("(")) {
+      if (m_depth == kMaxFilterDepth) {
+        return Fail("groups nested more than " + std::to_string(kMaxFilterDepth) + " deep");
+      }
       Advance();
-      if (!ParseOr(node)) return false;
+      ++m_depth;
+      const bool ok = ParseOr(node);
+      --m_depth;
+      if (!ok) return false;
       if (!Is(")")) return Fail("expected ')'");
       Advance();
-      return true;
+    } else if (!ParseComparison(node)) {
+      return false;
     }
-    return ParseComparison(node);
+    node->negated = node->negated != negated;
+    return true;
   }
 
   bool ParseComparison(Node* node) {
@@ -201,6 +211,9 @@ class Parser {
       node->value = WordValue(m_token.text);
     } else {
       return Fail("expected a value");
+    }
+    if (m_textValues != nullptr && node->value.IsString()) {
+      m_textValues->push_back({node->column, m_token.text, m_token.at});
     }
     Advance();
     if (Keyword(m_token, "CASE")) {
@@ -244,10 +257,32 @@ class Parser {
   }
 
   std::string_view m_text;
+  std::vector<FilterTextValue>* m_textValues;
   size_t m_pos = 0;
   Token m_token;
   std::string m_error;
+  size_t m_depth = 0;  // parentheses open around the current token
 };
+
+std::unique_ptr<VCUTableFilter> Build(const Node& node, bool negate);
+
+// The parts [first, last) of an AND or OR joined as a balanced tree of
+// pairs, so a list of n parts nests log2(n) deep, not n.
+std::unique_ptr<VCUTableFilter> BuildPairs(const std::vector<Node>& parts, size_t first,
+                                           size_t last, bool isAnd, bool negate) {
+  if (last - first == 1) return Build(parts[first], negate);
+  const size_t middle = first + (last - first) / 2;
+  std::unique_ptr<VCUTableFilterCompound> pair;
+  if (isAnd) {
+    pair = std::make_unique<VCUTableFilterAND>();
+  } else {
+    pair = std::make_unique<VCUTableFilterOR>();
+  }
+  std::unique_ptr<VCUTableFilter> left = BuildPairs(parts, first, middle, isAnd, negate);
+  std::unique_ptr<VCUTableFilter> right = BuildPairs(parts, middle, last, isAnd, negate);
+  pair->SetFilters(left.release(), right.release());
+  return pair;
+}
 
 // The filter of `node`, with `negate` carried down to the comparisons.
 std::unique_ptr<VCUTableFilter> Build(const Node& node, bool negate) {
@@ -263,26 +298,15 @@ std::unique_ptr<VCUTableFilter> Build(const Node& node, bool negate) {
   }
   // NOT (A AND B) is NOT A OR NOT B, and the other way round.
   const bool isAnd = (node.kind == Node::Kind::And) != negate;
-  std::unique_ptr<VCUTableFilter> result = Build(node.parts[0], negate);
-  for (size_t i = 1; i < node.parts.size(); ++i) {
-    std::unique_ptr<VCUTableFilterCompound> pair;
-    if (isAnd) {
-      pair = std::make_unique<VCUTableFilterAND>();
-    } else {
-      pair = std::make_unique<VCUTableFilterOR>();
-    }
-    std::unique_ptr<VCUTableFilter> next = Build(node.parts[i], negate);
-    pair->SetFilters(result.release(), next.release());
-    result = std::move(pair);
-  }
-  return result;
+  return BuildPairs(node.parts, 0, node.parts.size(), isAnd, negate);
 }
 
 }  // namespace
 
-std::unique_ptr<VCUTableFilter> ParseTableFilter(std::string_view text, std::string* error) {
+std::unique_ptr<VCUTableFilter> ParseTableFilter(std::string_view text, std::string* error,
+                                                 std::vector<FilterTextValue>* textValues) {
   Node root;
-  Parser parser(text);
+  Parser parser(text, textValues);
   if (!parser.Parse(&root, error)) return nullptr;
   return Build(root, false);
 }

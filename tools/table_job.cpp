@@ -1,6 +1,7 @@
 #include "table_job.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include <utilkit/base/number_text.h>
 #include <utilkit/base/vc_string_array.h>
@@ -85,10 +86,39 @@ bool BuildNewColumns(const TableJob& job, TableOperations* operations, std::stri
 
 }  // namespace
 
+bool CheckFilterValues(const std::vector<TableInput>& inputs, const TableOperations& operations,
+                       std::string* error) {
+  if (inputs.empty() || operations.filterTexts.empty()) return true;
+  VCUTable* table = inputs.front().table;
+  int32_t count = 0;
+  if (!table->GetNumCols(&count)) return true;
+  std::unordered_map<std::string, VTTableDataType> types;  // upper-cased keyword
+  for (int32_t col = 0; col < count; ++col) {
+    VCString keyword;
+    VTTableDataType type{};
+    if (!table->GetColKeyword(col, &keyword) || !table->GetColType(col, &type)) continue;
+    keyword.MakeUpper();
+    types.emplace(keyword.c_str(), type);
+  }
+  for (const FilterTextValue& text : operations.filterTexts) {
+    VCString column(text.column.c_str());
+    column.MakeUpper();
+    const auto found = types.find(column.c_str());
+    if (found == types.end() || found->second == VTTableDataType::Text ||
+        found->second == VTTableDataType::Enum) {
+      continue;
+    }
+    *error = "filter: '" + text.value + "' is not a number, and column " + text.column +
+             " holds numbers (character " + std::to_string(text.at) + ")";
+    return false;
+  }
+  return true;
+}
+
 bool BuildTableOperations(const TableJob& job, TableOperations* operations, std::string* error) {
   error->clear();
   if (!job.filter.empty()) {
-    operations->filter = ParseTableFilter(job.filter, error);
+    operations->filter = ParseTableFilter(job.filter, error, &operations->filterTexts);
     if (!operations->filter) return false;
   }
   if (!job.sort.empty() || !job.category.empty()) {

@@ -29,6 +29,8 @@
 
 #include <utilkit/table/table_processor.h>
 
+#include "table_filter_text.h"
+
 namespace utilkit::tool {
 
 struct TableInput {
@@ -57,6 +59,7 @@ struct TableOperations {
   std::unique_ptr<VCUTableSort> sort;
   std::vector<std::unique_ptr<VCUTableCompress>> compressions;
   std::vector<std::unique_ptr<VCUTableNewColumn>> newColumns;  // the row index last
+  std::vector<FilterTextValue> filterTexts;  // the filter's comparisons with a text value
 };
 
 // Splits "name@5,1-3" into the name and its rows (5, 1, 2, 3). A argument
@@ -68,6 +71,12 @@ void SplitInputArgument(const std::string& argument, std::string* name, std::vec
 // message for a text that does not read, a computed column named twice or a
 // new-status naming no computed column.
 bool BuildTableOperations(const TableJob& job, TableOperations* operations, std::string* error);
+
+// False with `*error` naming the column and the position when the filter
+// compares a column of numbers (in the first input) with a text that is not a
+// number; columns the input lacks are left to the processor to report.
+bool CheckFilterValues(const std::vector<TableInput>& inputs, const TableOperations& operations,
+                       std::string* error);
 
 // Configures `processor` for the job and its operations and runs Process.
 // When some inputs select rows, the others take part with all their rows.

@@ -249,8 +249,11 @@ std::unique_ptr<VCUTableNewColumn> ParseRowIndexText(std::string_view text, std:
   int64_t first = 1;
   if (s.Name("=", &name) && s.Eat('=')) {
     const std::string number = s.Rest();
-    if (!VFAscToNum(number.c_str(), &first) || first == INT64_MAX) {
+    if (!VFAscToNum(number.c_str(), &first)) {
       s.FailPlain("'" + number + "' is not a whole number");
+    } else if (first < -kMaxRowIndexStart || first > kMaxRowIndexStart) {
+      s.FailPlain("'" + number + "' is beyond the largest start, " +
+                  std::to_string(kMaxRowIndexStart));
     }
   }
   s.End();

@@ -30,6 +30,8 @@
 // names the setting: "sort: unknown modifier 'up' at character 6".
 #pragma once
 
+#include <cstdint>
+
 #include <memory>
 #include <string>
 #include <string_view>
@@ -51,7 +53,11 @@ std::unique_ptr<VCUTableCompress> ParseCompressText(std::string_view text, std::
 // A computed column: an expression or a number divided by a column.
 std::unique_ptr<VCUTableNewColumn> ParseNewColumnText(std::string_view text, std::string* error);
 
-// A row index column.
+// The largest start (either sign) of a row index: 2^62, so that no table's
+// rows number past the 64-bit limit.
+inline constexpr int64_t kMaxRowIndexStart = int64_t{1} << 62;
+
+// A row index column: "NAME" or "NAME=FIRST" (|FIRST| <= kMaxRowIndexStart).
 std::unique_ptr<VCUTableNewColumn> ParseRowIndexText(std::string_view text, std::string* error);
 
 // "name=column" of the new-status setting.

@@ -10,6 +10,7 @@
 #include <utilkit/base/error_stack.h>
 #include <utilkit/tree/tree.h>
 
+#include "input_file.h"
 #include "tree_sources.h"
 #include "tree_text.h"
 
@@ -47,31 +48,28 @@ struct TreeOptions {
   bool recurse = false;
   bool json = false;
   bool ids = false;
+  size_t maxDepth = tree_tool::kDefaultMaxTreeDepth;
+  size_t maxInputMiB = tool_input::kDefaultInputLimit >> 20;
 };
-
-bool ReadFile(const std::string& path, std::string* text, std::string* error) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) {
-    *error = "cannot read \"" + path + "\"";
-    return false;
-  }
-  text->assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-  return true;
-}
 
 bool ReadSource(const TreeOptions& options, tree_tool::PropertyNode* root, std::string* error) {
   std::string from = options.from;
   if (from.empty()) {
     const std::string& s = options.source;
-    from = std::filesystem::is_directory(s)                              ? "dir"
+    std::error_code ec;
+    from = std::filesystem::is_directory(s, ec)                          ? "dir"
            : (s.size() >= 5 && s.compare(s.size() - 5, 5, ".json") == 0) ? "json"
                                                                          : "text";
   }
-  if (from == "dir") return tree_tool::ReadDirectoryTree(options.source, root, error);
+  if (from == "dir") {
+    return tree_tool::ReadDirectoryTree(options.source, root, options.maxDepth, error);
+  }
   std::string text;
-  if (!ReadFile(options.source, &text, error)) return false;
-  return from == "json" ? tree_tool::ReadJsonTree(text, root, error)
-                        : tree_tool::ParseIndentedTree(text, root, error);
+  if (!tool_input::ReadInputFile(options.source, options.maxInputMiB << 20, &text, error)) {
+    return false;
+  }
+  return from == "json" ? tree_tool::ReadJsonTree(text, root, options.maxDepth, error)
+                        : tree_tool::ParseIndentedTree(text, root, error, options.maxDepth);
 }
 
 // Sets the operations; false (the error stack tells why) when a text is wrong.
@@ -86,7 +84,13 @@ bool Configure(const TreeOptions& options, VCUTree* tree) {
 int RunTree(const TreeOptions& options) {
   tree_tool::PropertyNode source(nullptr);
   std::string error;
-  if (!ReadSource(options, &source, &error)) {
+  bool read = false;
+  try {
+    read = ReadSource(options, &source, &error);
+  } catch (const std::exception& e) {  // memory, or a file system failure
+    error = std::string("cannot read \"") + options.source + "\": " + e.what();
+  }
+  if (!read) {
     std::fprintf(stderr, "utilkit tree: %s\n", error.c_str());
     return 1;
   }
@@ -121,6 +125,12 @@ void AddTreeCommand(CLI::App& app) {
   cmd->add_flag("-r,--recurse", options->recurse, "Filter, group and sort at every depth");
   cmd->add_flag("--json", options->json, "Print the result as JSON");
   cmd->add_flag("--ids", options->ids, "Show category ids after descriptions");
+  cmd->add_option("--max-depth", options->maxDepth, "Deepest nesting of the source tree")
+      ->capture_default_str()
+      ->check(CLI::Range(size_t{1}, size_t{10000}));
+  cmd->add_option("--max-input-mb", options->maxInputMiB, "Largest JSON or text source, in MiB")
+      ->capture_default_str()
+      ->check(CLI::Range(size_t{1}, size_t{1} << 20));
   cmd->callback([options] {
     if (const int code = RunTree(*options); code != 0) throw CLI::RuntimeError(code);
   });

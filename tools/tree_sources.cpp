@@ -29,7 +29,15 @@ VCVariant LocalTime(fs::file_time_type fileTime) {
   return VCVariant(time);
 }
 
-void AddEntries(const fs::path& dir, const fs::path& base, PropertyNode* parent) {
+// Adds the entries of `dir` under `parent`, descending into folders (never
+// through links) while `depth` is below `maxDepth`; false when it is not.
+bool AddEntries(const fs::path& dir, const fs::path& base, PropertyNode* parent, size_t depth,
+                size_t maxDepth, std::string* error) {
+  if (depth >= maxDepth) {
+    *error = "\"" + dir.string() + "\" lies more than " + std::to_string(maxDepth) +
+             " folders deep (raise with --max-depth)";
+    return false;
+  }
   std::error_code ec;
   for (fs::directory_iterator it(dir, ec), end; !ec && it != end; it.increment(ec)) {
     const fs::directory_entry& entry = *it;
@@ -48,7 +56,7 @@ void AddEntries(const fs::path& dir, const fs::path& base, PropertyNode* parent)
       type = "link";
     } else if (entry.is_directory(entryError)) {
       type = "folder";
-      AddEntries(path, base, node);
+      if (!AddEntries(path, base, node, depth + 1, maxDepth, error)) return false;
     } else if (entry.is_regular_file(entryError)) {
       type = "file";
       const uintmax_t size = entry.file_size(entryError);
@@ -56,11 +64,27 @@ void AddEntries(const fs::path& dir, const fs::path& base, PropertyNode* parent)
     }
     node->SetProperty("Type", VCVariant(type));
   }
+  return true;
 }
 
-bool AddJsonNode(const Json& json, PropertyNode* node, std::string* error) {
+// Text of `json` for a message: arrays and objects by their type name (so a
+// deeply nested value is never walked), invalid UTF-8 replaced, long texts cut.
+std::string Quote(const Json& json) {
+  if (json.is_structured()) return std::string("an ") + json.type_name();
+  std::string text = json.dump(-1, ' ', false, Json::error_handler_t::replace);
+  if (text.size() > 60) text = text.substr(0, 57) + "...";
+  return text;
+}
+
+bool AddJsonNode(const Json& json, PropertyNode* node, size_t depth, size_t maxDepth,
+                 std::string* error) {
   if (!json.is_object()) {
-    *error = "a node must be a JSON object, not " + json.dump();
+    *error = "a node must be a JSON object, not " + Quote(json);
+    return false;
+  }
+  if (depth >= maxDepth) {
+    *error =
+        "nodes nested more than " + std::to_string(maxDepth) + " deep (raise with --max-depth)";
     return false;
   }
   for (const auto& [key, value] : json.items()) {
@@ -70,7 +94,7 @@ bool AddJsonNode(const Json& json, PropertyNode* node, std::string* error) {
         return false;
       }
       for (const Json& child : value) {
-        if (!AddJsonNode(child, new PropertyNode(node), error)) return false;
+        if (!AddJsonNode(child, new PropertyNode(node), depth + 1, maxDepth, error)) return false;
       }
     } else if (value.is_string()) {
       const std::string text = value.get<std::string>();
@@ -135,31 +159,33 @@ Json JsonChildren(VCUTreeResultNode* node) {
 
 }  // namespace
 
-bool ReadDirectoryTree(const std::string& path, PropertyNode* root, std::string* error) {
+bool ReadDirectoryTree(const std::string& path, PropertyNode* root, size_t maxDepth,
+                       std::string* error) {
   std::error_code ec;
   if (!fs::is_directory(path, ec)) {
     *error = "\"" + path + "\" is not a directory";
     return false;
   }
-  AddEntries(path, path, root);
-  return true;
+  return AddEntries(path, path, root, 0, maxDepth, error);
 }
 
-bool ReadJsonTree(const std::string& text, PropertyNode* root, std::string* error) {
+bool ReadJsonTree(const std::string& text, PropertyNode* root, size_t maxDepth,
+                  std::string* error) {
   const Json json = Json::parse(text, nullptr, false);
   if (json.is_discarded()) {
     *error = "not valid JSON";
     return false;
   }
-  if (!json.is_array()) return AddJsonNode(json, root, error);
+  if (!json.is_array()) return AddJsonNode(json, root, 0, maxDepth, error);
   for (const Json& node : json) {
-    if (!AddJsonNode(node, new PropertyNode(root), error)) return false;
+    if (!AddJsonNode(node, new PropertyNode(root), 0, maxDepth, error)) return false;
   }
   return true;
 }
 
 std::string FormatResultTreeJson(VCUTreeResultNode* root, int indent) {
-  return JsonChildren(root).dump(indent) + "\n";
+  // File names need not be UTF-8: such bytes are written as U+FFFD.
+  return JsonChildren(root).dump(indent, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace tree_tool

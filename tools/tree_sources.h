@@ -15,6 +15,7 @@
 // an array of nodes (the root's children).
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "tree_text.h"
@@ -22,13 +23,15 @@
 namespace tree_tool {
 
 // Reads the directory tree at `path` into children of `root`; false with
-// `*error` when `path` is no readable directory.
-bool ReadDirectoryTree(const std::string& path, PropertyNode* root, std::string* error);
+// `*error` when `path` is no readable directory or a folder lies `maxDepth`
+// or more levels down.
+bool ReadDirectoryTree(const std::string& path, PropertyNode* root, size_t maxDepth,
+                       std::string* error);
 
 // Reads JSON text into children of `root`; false with `*error` on malformed
-// JSON or a node that is not an object, or a property that is an object or
-// array.
-bool ReadJsonTree(const std::string& text, PropertyNode* root, std::string* error);
+// JSON, a node that is not an object, a property that is an object or
+// array, or nodes nested `maxDepth` or more deep.
+bool ReadJsonTree(const std::string& text, PropertyNode* root, size_t maxDepth, std::string* error);
 
 // The result tree below `root` as JSON: an array of nodes, each a category
 // {"category": description, "id": id, "children": [...]} or a data node

@@ -7,20 +7,17 @@
 namespace tree_tool {
 
 VCVariant PropertyNode::GetPropertyValue(const char* propName) {
-  for (const auto& [name, value] : m_properties) {
-    if (name == propName) return value;
-  }
-  return VCVariant();
+  const auto it = m_index.find(std::string_view(propName ? propName : ""));
+  return it == m_index.end() ? VCVariant() : m_properties[it->second].second;
 }
 
 void PropertyNode::SetProperty(std::string_view name, const VCVariant& value) {
-  for (auto& [existing, old] : m_properties) {
-    if (existing == name) {
-      old = value;
-      return;
-    }
+  if (const auto it = m_index.find(name); it != m_index.end()) {
+    m_properties[it->second].second = value;
+    return;
   }
   m_properties.emplace_back(std::string(name), value);
+  m_index.emplace(std::string(name), m_properties.size() - 1);
 }
 
 VCVariant ValueFromText(std::string_view text) {
@@ -91,7 +88,8 @@ void FormatNode(VCUTreeResultNode* node, int depth, bool showIds, std::string& o
 
 }  // namespace
 
-bool ParseIndentedTree(std::string_view text, PropertyNode* root, std::string* error) {
+bool ParseIndentedTree(std::string_view text, PropertyNode* root, std::string* error,
+                       size_t maxDepth) {
   // The nodes that can still take children, with their indentation.
   std::vector<std::pair<size_t, PropertyNode*>> open{{0, root}};
   size_t lineNumber = 0;
@@ -104,6 +102,11 @@ bool ParseIndentedTree(std::string_view text, PropertyNode* root, std::string* e
     const size_t indent = line.find_first_not_of(' ');
     if (indent == std::string_view::npos || line[indent] == '#') continue;
     while (open.size() > 1 && open.back().first >= indent + 1) open.pop_back();
+    if (open.size() > maxDepth) {
+      *error = "line " + std::to_string(lineNumber) + ": nodes nested more than " +
+               std::to_string(maxDepth) + " deep (raise with --max-depth)";
+      return false;
+    }
     auto* node = new PropertyNode(open.back().second);  // owned by its parent
     std::string problem;
     if (!ParseFields(line.substr(indent), node, &problem)) {

@@ -18,9 +18,12 @@
 // node for its children, so lazily mirrored subtrees are printed in full.
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -36,18 +39,30 @@ class PropertyNode : public VCUTreeSourceNode {
   VCVariant GetPropertyValue(const char* propName) override;
   // Sets (or replaces) a property.
   void SetProperty(std::string_view name, const VCVariant& value);
+  // The properties in the order they were first set.
   const std::vector<std::pair<std::string, VCVariant>>& Properties() const { return m_properties; }
 
  private:
+  struct NameHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view name) const { return std::hash<std::string_view>{}(name); }
+  };
+
   std::vector<std::pair<std::string, VCVariant>> m_properties;
+  std::unordered_map<std::string, size_t, NameHash, std::equal_to<>> m_index;  // name -> position
 };
+
+// How deep a source tree may nest unless told otherwise (--max-depth).
+inline constexpr size_t kDefaultMaxTreeDepth = 1000;
 
 // A value as the indented text types it (see the header comment).
 VCVariant ValueFromText(std::string_view text);
 
 // Reads indented text into children of `root`. False, with `*error` naming
-// the line, on a malformed line (a field without "=", a key given empty).
-bool ParseIndentedTree(std::string_view text, PropertyNode* root, std::string* error);
+// the line, on a malformed line (a field without "=", a key given empty) or
+// a line nested `maxDepth` or more levels deep.
+bool ParseIndentedTree(std::string_view text, PropertyNode* root, std::string* error,
+                       size_t maxDepth = kDefaultMaxTreeDepth);
 
 // The indented print of `root`'s subtree (the root itself is not printed).
 std::string FormatResultTree(VCUTreeResultNode* root, bool showIds);
