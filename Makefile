@@ -3,16 +3,18 @@ SHELL := /bin/bash
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 
-.PHONY: help deps run build dev test check windows fuzz bench format format-check install clean
+.PHONY: help deps run build dev test check hostile windows fuzz bench format format-check install package clean
 
 help:
 	@echo "make run           build (Release) and run the utilkit tool on the example data"
 	@echo "make test          build with sanitizers, run all tests, warnings and format checks"
 	@echo "make build         Release build of the library, tool and benchmarks"
+	@echo "make hostile       run the tool on hostile inputs under time and memory limits"
 	@echo "make windows       cross-build for 64-bit Windows and run its tests under Wine"
 	@echo "make fuzz          build the libFuzzer targets (clang) and run each FUZZ_SECONDS"
 	@echo "make bench         run the benchmarks (Release)"
 	@echo "make install       install into PREFIX (default /usr/local)"
+	@echo "make package      build a Debian package (build/release/utilkit_*.deb) and check it"
 	@echo "make format        reformat the sources with clang-format"
 	@echo "make format-check  fail if any source is not formatted"
 	@echo "make deps          install the Debian packages the build needs"
@@ -49,7 +51,7 @@ windows: deps
 	ctest --preset windows
 
 FUZZ_SECONDS ?= 20
-FUZZERS = xml_fuzz:xml props_fuzz:props tree_ops_fuzz:tree
+FUZZERS = xml_fuzz:xml props_fuzz:props tree_ops_fuzz:tree sections_fuzz:sections
 
 fuzz: deps
 	cmake -S fuzz -B build/fuzz -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo
@@ -63,10 +65,17 @@ fuzz: deps
 	  test $${PIPESTATUS[0]} -eq 0 || exit 1; \
 	done
 
-test: check build windows fuzz format-check
+test: check build hostile package windows fuzz format-check
+
+hostile: build
+	scripts/hostile-inputs.sh build/release/tools/utilkit
 
 bench: build
 	@for b in build/release/bench/*_bench; do echo "== $$b"; $$b; done
+
+package: build
+	cd build/release && cpack -G DEB
+	scripts/check-package.sh
 
 install: build
 	cmake --install build/release --prefix $(PREFIX)

@@ -10,6 +10,8 @@ packages=(
   libxerces-c-dev libcli11-dev nlohmann-json3-dev
   clang clang-format
   mingw-w64 wine64
+  systemd python3
+  chromium
 )
 
 missing=()

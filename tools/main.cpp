@@ -5,10 +5,14 @@
 #include <CLI/CLI.hpp>
 
 #include "calc_command.h"
+#include "sections_command.h"
+#include "send_command.h"
+#include "serve_command.h"
 #include "table_command.h"
 #include "tree_command.h"
 #if defined(UTILKIT_WITH_XML)
 #include "props_command.h"
+#include "report_command.h"
 #include "xml_command.h"
 #endif
 
@@ -17,10 +21,14 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", std::string("utilkit ") + UTILKIT_VERSION);
   app.require_subcommand(0, 1);
   AddCalcCommand(app);
+  AddSectionsCommand(app);
+  AddSendCommand(app);
+  AddServeCommand(app);
   AddTableCommand(app);
   AddTreeCommand(app);
 #if defined(UTILKIT_WITH_XML)
   AddPropsCommand(app);
+  AddReportCommand(app);
   AddXmlCommand(app);
 #endif
   CLI11_PARSE(app, argc, argv);

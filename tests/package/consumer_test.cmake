@@ -11,6 +11,16 @@ set(prefix ${WORK_DIR}/prefix)
 file(REMOVE_RECURSE ${WORK_DIR})
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
 
+# The installed tool starts from its prefix alone, moved elsewhere too.
+if(EXISTS ${prefix}/bin/utilkit)
+  file(RENAME ${prefix} ${WORK_DIR}/moved)
+  run(${WORK_DIR}/moved/bin/utilkit table -c Test,Channel ${SOURCE_DIR}/examples/tests_a.csv)
+  if(NOT LAST_OUTPUT MATCHES "^Test,Channel\n")
+    message(FATAL_ERROR "unexpected output of the installed tool: ${LAST_OUTPUT}")
+  endif()
+  file(RENAME ${WORK_DIR}/moved ${prefix})
+endif()
+
 # CMake package.
 run(${CMAKE_COMMAND} -S ${SOURCE_DIR}/examples/consumer -B ${WORK_DIR}/cmake-build
     -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER=${CXX} "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}")
