@@ -16,5 +16,10 @@ export WINEPATH="$gccdir;/usr/x86_64-w64-mingw32/lib"
 if [ ! -f "$WINEPREFIX/system.reg" ]; then
   mkdir -p "$WINEPREFIX"
   "$wine" wineboot -i >/dev/null 2>&1 || true
+  # The new prefix is ready once its first session has ended: until then the
+  # service manager may still be filling its database.
+  server=/usr/lib/wine/wineserver64
+  [ -x "$server" ] || server=$(command -v wineserver64 || command -v wineserver)
+  "$server" -w || true
 fi
 exec "$wine" "$@"
