@@ -8,7 +8,7 @@
 //    bytes; BM_XmlParseOnly parses the same text without a socket, so the
 //    transfer's own share is GetData minus the parse; target: transfer at
 //    least 0.8x the plain rate.
-// `net_bench --memory xml|stream` instead measures peak memory in a fresh
+// `net_bench --memory xml|parse|stream` instead measures peak memory in a fresh
 // process with the peer in a child process: receiving and parsing the 50 MB
 // document (target: under 4x its size), or a peer streaming 1 GB without a
 // terminator, refused at the 64 MiB limit (target: under twice the limit).
@@ -229,9 +229,20 @@ pid_t Peer(int port, Body body) {
   return pid;
 }
 
-// Peak memory of receiving the document (`what` "xml") or of refusing an
-// endless stream (`what` "stream"), each in its own process.
+// Peak memory of receiving the document (`what` "xml"), of parsing it from
+// memory without a socket ("parse", the baseline of "xml"), or of refusing
+// an endless stream ("stream"), each in its own process.
 int MeasureMemory(const char* what) {
+  if (std::strcmp(what, "parse") == 0) {
+    const double size = static_cast<double>(Document().size());
+    const long before = PeakKiB();
+    const DOM_Document document = VCUXmlHelper::ParseXml(Document().data(), Document().size());
+    const double mib = static_cast<double>(PeakKiB() - before) / 1024.0;
+    std::printf(
+        "XML document of %.1f MB parsed from memory: peak growth %.1f MiB = %.2fx its size\n",
+        size / 1e6, mib, mib * 1024 * 1024 / size);
+    return document.isNull() ? 1 : 0;
+  }
   VCUServerSocket server;
   server.Listen(0, "127.0.0.1");
   if (std::strcmp(what, "xml") == 0) {
