@@ -51,7 +51,8 @@ windows: deps
 	ctest --preset windows
 
 FUZZ_SECONDS ?= 20
-FUZZERS = xml_fuzz:xml props_fuzz:props tree_ops_fuzz:tree sections_fuzz:sections
+FUZZERS = xml_fuzz:xml props_fuzz:props tree_ops_fuzz:tree sections_fuzz:sections \
+  calc_fuzz:calc csv_fuzz:csv table_ops_fuzz:table_ops
 
 fuzz: deps
 	cmake -S fuzz -B build/fuzz -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo

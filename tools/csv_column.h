@@ -40,6 +40,11 @@ struct CsvColumnHeader {
   std::vector<std::string> names;
 };
 
+// Reads a header cell: "name", "name:type", "name:enum(options)" or
+// "name:status"; the name ends at the first colon after which a type reads.
+// False when a colon is followed by no type and none later is.
+bool ParseCsvHeaderCell(std::string_view cell, CsvColumnHeader* header);
+
 class CsvColumn {
  public:
   enum Result { kOk, kBad, kToText };

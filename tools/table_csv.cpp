@@ -82,25 +82,6 @@ bool ParseSuffix(const VCString& suffix, CsvColumnHeader* header) {
   return false;
 }
 
-// Reads "name", "name:type", "name:enum(options)" or "name:status"; the
-// name ends at the first colon after which a type reads.
-bool ParseHeaderCell(std::string_view cell, CsvColumnHeader* header) {
-  size_t colon = cell.find(':');
-  if (colon == std::string_view::npos) {
-    header->name = cell;
-    return true;
-  }
-  for (; colon != std::string_view::npos; colon = cell.find(':', colon + 1)) {
-    CsvColumnHeader h;
-    if (ParseSuffix(VCString(cell.substr(colon + 1)), &h)) {
-      *header = std::move(h);
-      header->name = cell.substr(0, colon);
-      return true;
-    }
-  }
-  return false;
-}
-
 bool SameName(const std::string& a, const std::string& b) {
   return VCString(a).CompareNoCase(b.c_str()) == 0;
 }
@@ -178,7 +159,7 @@ class Reader {
   bool ReadHeader(const std::vector<std::string_view>& cells) {
     std::vector<CsvColumnHeader> headers(cells.size());
     for (size_t f = 0; f < cells.size(); ++f) {
-      if (!ParseHeaderCell(cells[f], &headers[f])) {
+      if (!ParseCsvHeaderCell(cells[f], &headers[f])) {
         return Fail(Where(m_source, 1, f) + "'" + std::string(cells[f]) +
                     "' is not name, name:type or name:status");
       }
@@ -296,6 +277,25 @@ bool Load(std::string_view text, std::unique_ptr<char[]>* owned, const std::stri
 }
 
 }  // namespace
+
+// Reads "name", "name:type", "name:enum(options)" or "name:status"; the
+// name ends at the first colon after which a type reads.
+bool ParseCsvHeaderCell(std::string_view cell, CsvColumnHeader* header) {
+  size_t colon = cell.find(':');
+  if (colon == std::string_view::npos) {
+    header->name = cell;
+    return true;
+  }
+  for (; colon != std::string_view::npos; colon = cell.find(':', colon + 1)) {
+    CsvColumnHeader h;
+    if (ParseSuffix(VCString(cell.substr(colon + 1)), &h)) {
+      *header = std::move(h);
+      header->name = cell.substr(0, colon);
+      return true;
+    }
+  }
+  return false;
+}
 
 bool CsvToMemoryTable(std::string_view text, const std::string& source, VCUTableMemory* table,
                       VCUDictionary* dictionary, std::string* error, const CsvProgress& progress) {

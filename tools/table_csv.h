@@ -60,7 +60,9 @@ bool ReadCsvToMemoryTable(const std::string& path, VCUTableMemory* table, VCUDic
 // `typedHeader`, so that the file reads back with the same types), a
 // `keyword:status` column after each column with status, then one record
 // per row, in buffered writes. Fails with the error stack's text when a
-// read fails. `progress` is told the rows written (stage "Writing").
+// read fails, and with typed headers when a column's name or an option name
+// holds ':' and a type (so that the header would read back otherwise).
+// `progress` is told the rows written (stage "Writing").
 bool WriteTableCsv(VCUTable& table, bool typedHeader, std::ostream& out, std::string* error,
                    const CsvProgress& progress = {});
 

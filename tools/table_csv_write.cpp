@@ -10,6 +10,7 @@
 
 #include <utilkit/base/error_stack.h>
 
+#include "csv_column.h"
 #include "table_csv.h"
 
 namespace utilkit::tool {
@@ -146,6 +147,22 @@ struct OutColumn {
     return text.append(")");
   }
 
+  // Whether typed header `text` reads back as this column's name, type and
+  // options (a name holding ":long", say, would end at that colon).
+  bool ReadsBack(const std::string& text) const {
+    CsvColumnHeader read;
+    if (!ParseCsvHeaderCell(text, &read) || read.name != keyword.str() || read.type != type ||
+        read.isStatus) {
+      return false;
+    }
+    if (type != VTTableDataType::Enum) return true;
+    if (read.codes.size() != static_cast<size_t>(codes.GetSize())) return false;
+    for (int32_t i = 0; i < codes.GetSize(); ++i) {
+      if (read.codes[i] != codes[i] || read.names[i] != names[i].str()) return false;
+    }
+    return true;
+  }
+
   // Reads rows first..first+n-1.
   bool Read(VCUTable& t, int64_t first, int64_t n) {
     const auto size = static_cast<size_t>(n);
@@ -222,7 +239,14 @@ bool WriteTableCsv(VCUTable& table, bool typedHeader, std::ostream& out, std::st
       return Failed(error);
     }
     c.PrepareCodeTexts(typedHeader);
-    buffer.Field(c.Header(typedHeader));
+    const std::string header = c.Header(typedHeader);
+    if (typedHeader && !c.ReadsBack(header)) {
+      *error = "column " + c.keyword.str() +
+               ": its name or an option name holds ':' and a type, so a typed header would "
+               "read back otherwise";
+      return false;
+    }
+    buffer.Field(header);
     if (c.hasStatus) buffer.Field(c.keyword.str() + ":status");
   }
   buffer.EndRecord();

@@ -198,6 +198,20 @@ TEST(TableCsvTest, TypedOutputReadsBackAsTheSameTable) {
   }
 }
 
+// A name holding ":enum(" would, with the options written after it, read
+// back as a shorter name; the writer says so rather than write it.
+TEST(TableCsvTest, RefusesTypedHeadersThatWouldReadBackOtherwise) {
+  VCUDictionary texts;
+  VCUTableMemory table("in");
+  std::string error;
+  ASSERT_TRUE(CsvToMemoryTable("n:enum(1=b:enum\nx\n", "in", &table, &texts, &error)) << error;
+  std::ostringstream out;
+  EXPECT_FALSE(utilkit::tool::WriteTableCsv(table, true, out, &error));
+  EXPECT_EQ(error,
+            "column n:enum(1=b: its name or an option name holds ':' and a type, so a typed header "
+            "would read back otherwise");
+}
+
 TEST(TableCsvTest, RefusesTextNoTableHolds) {
   static const char kNul[] = "T,D\nab,1\n\"x\ny\",2\nc\0d,3\n";
   const std::pair<std::string, std::string> kCases[] = {
