@@ -3,7 +3,7 @@ SHELL := /bin/bash
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 
-.PHONY: help deps run build dev test check hostile windows fuzz bench format format-check install package clean
+.PHONY: help deps run build dev test check hostile windows fuzz fuzz-long bench format format-check install package clean
 
 help:
 	@echo "make run           build (Release) and run the utilkit tool on the example data"
@@ -12,6 +12,7 @@ help:
 	@echo "make hostile       run the tool on hostile inputs under time and memory limits"
 	@echo "make windows       cross-build for 64-bit Windows and run its tests under Wine"
 	@echo "make fuzz          build the libFuzzer targets (clang) and run each FUZZ_SECONDS"
+	@echo "make fuzz-long     the same, each for SECONDS (default 600)"
 	@echo "make bench         run the benchmarks (Release)"
 	@echo "make install       install into PREFIX (default /usr/local)"
 	@echo "make package      build a Debian package (build/release/utilkit_*.deb) and check it"
@@ -52,7 +53,8 @@ windows: deps
 
 FUZZ_SECONDS ?= 20
 FUZZERS = xml_fuzz:xml props_fuzz:props tree_ops_fuzz:tree sections_fuzz:sections \
-  calc_fuzz:calc csv_fuzz:csv table_ops_fuzz:table_ops
+  calc_fuzz:calc csv_fuzz:csv table_ops_fuzz:table_ops number_time_fuzz:number_time \
+  tree_source_fuzz:tree_source
 
 fuzz: deps
 	cmake -S fuzz -B build/fuzz -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo
@@ -65,6 +67,11 @@ fuzz: deps
 	    build/fuzz/corpus-$$name $$seeds 2>&1 | grep -E 'stat::number_of_executed_units|ERROR|SUMMARY' ; \
 	  test $${PIPESTATUS[0]} -eq 0 || exit 1; \
 	done
+
+# Each fuzz target for SECONDS (600 unless given): make fuzz-long SECONDS=3600
+SECONDS ?= 600
+fuzz-long:
+	$(MAKE) fuzz FUZZ_SECONDS=$(SECONDS)
 
 test: check build hostile package windows fuzz format-check
 
