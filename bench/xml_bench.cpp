@@ -7,7 +7,18 @@
 //    DOMLSSerializer writing UTF-8 into memory; target: at most 1.0x;
 //  - BM_AppendDataBuffer vs BM_AppendStdString: 16-byte pieces into a kept
 //    block; target: within 1.2x. The ...Fresh pair includes growth from empty.
+// `xml_bench --memory helper|xerces` instead measures, in a fresh process,
+// the peak memory of reading the document from a file and printing it in
+// the human-readable layout to /dev/null with the helper, or of parsing the
+// file with Xerces-C alone (the baseline); target: within 1.5x.
 #include <benchmark/benchmark.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
 
 #include <memory>
 #include <string>
@@ -168,4 +179,59 @@ BENCHMARK(BM_AppendStdString)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_AppendDataBufferFresh)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_AppendStdStringFresh)->Unit(benchmark::kMillisecond);
 
-BENCHMARK_MAIN();
+// Peak resident memory of this process so far, KiB (Linux).
+long PeakKiB() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_maxrss;
+}
+
+// The document in a temporary file, read back by one of the two readers.
+int MeasureMemory(const char* what) {
+  const std::string path = "/tmp/utilkit_xml_bench.xml";
+  // A child writes the file, so that this process never holds the text.
+  if (const pid_t child = fork(); child == 0) {
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    const bool written =
+        file && std::fwrite(Document().data(), 1, Document().size(), file) == Document().size();
+    _exit(file && std::fclose(file) == 0 && written ? 0 : 1);
+  } else if (int status = 1; child < 0 || waitpid(child, &status, 0) != child || status != 0) {
+    return 1;
+  }
+  struct stat info {};
+  stat(path.c_str(), &info);
+  const double size = static_cast<double>(info.st_size);
+  const long before = PeakKiB();
+  bool ok = false;
+  if (std::strcmp(what, "xerces") == 0) {
+    xc::XMLPlatformUtils::Initialize();
+    {
+      xc::HandlerBase handler;
+      xc::XercesDOMParser parser;
+      parser.setErrorHandler(&handler);
+      parser.parse(path.c_str());
+      ok = parser.getDocument() != nullptr && parser.getErrorCount() == 0;
+    }
+    xc::XMLPlatformUtils::Terminate();
+  } else {
+    const DOM_Document document = VCUXmlHelper::ParseXmlFromFile(path.c_str());
+    std::FILE* sink = std::fopen("/dev/null", "wb");
+    ok = !document.isNull() && sink != nullptr &&
+         VCUXmlHelper::WriteNodeTreeToStream(document, sink, true);
+    if (sink) std::fclose(sink);
+  }
+  std::remove(path.c_str());
+  const double mib = static_cast<double>(PeakKiB() - before) / 1024.0;
+  std::printf("%s: %.1f MB document, peak growth %.1f MiB\n",
+              std::strcmp(what, "xerces") == 0 ? "Xerces-C parse alone" : "helper read and print",
+              size / 1e6, mib);
+  return ok ? 0 : 1;
+}
+
+int main(int argc, char** argv) {
+  if (argc > 2 && std::strcmp(argv[1], "--memory") == 0) return MeasureMemory(argv[2]);
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}
