@@ -49,6 +49,9 @@ expect "calc: a folder" 1 "folder" calc --expr 1 folder
 expect "tree: json from a folder" 1 "is a directory" tree --from json folder
 expect "tree: text from an endless stream" 1 "larger than" tree --from text /dev/zero
 expect "tree: a folder linked into itself" 0 "inner" tree -s Name folder
+long=$(repeat d 200)
+(mkdir -p deep && cd deep && for _ in $(seq 30); do mkdir "$long" && cd "$long"; done && touch f.txt)
+expect "tree: paths past the system's limit" 1 "cannot list" tree -s Name deep
 expect "xml: an endless stream" 1 "/dev/zero" xml /dev/zero
 expect "xml: a folder" 1 "folder" xml folder
 expect "props: a folder" 1 "folder" props folder

@@ -30,7 +30,8 @@ VCVariant LocalTime(fs::file_time_type fileTime) {
 }
 
 // Adds the entries of `dir` under `parent`, descending into folders (never
-// through links) while `depth` is below `maxDepth`; false when it is not.
+// through links) while `depth` is below `maxDepth`; false when it is not or
+// a folder cannot be listed.
 bool AddEntries(const fs::path& dir, const fs::path& base, PropertyNode* parent, size_t depth,
                 size_t maxDepth, std::string* error) {
   if (depth >= maxDepth) {
@@ -39,7 +40,8 @@ bool AddEntries(const fs::path& dir, const fs::path& base, PropertyNode* parent,
     return false;
   }
   std::error_code ec;
-  for (fs::directory_iterator it(dir, ec), end; !ec && it != end; it.increment(ec)) {
+  fs::directory_iterator it(dir, ec);
+  for (fs::directory_iterator end; !ec && it != end; it.increment(ec)) {
     const fs::directory_entry& entry = *it;
     auto* node = new PropertyNode(parent);
     const fs::path& path = entry.path();
@@ -63,6 +65,10 @@ bool AddEntries(const fs::path& dir, const fs::path& base, PropertyNode* parent,
       if (!entryError) node->SetProperty("Size", VCVariant(static_cast<int64_t>(size)));
     }
     node->SetProperty("Type", VCVariant(type));
+  }
+  if (ec) {  // a folder that cannot be listed (or read to its end) is not left out silently
+    *error = "cannot list \"" + dir.string() + "\": " + ec.message();
+    return false;
   }
   return true;
 }

@@ -23,8 +23,9 @@
 namespace tree_tool {
 
 // Reads the directory tree at `path` into children of `root`; false with
-// `*error` when `path` is no readable directory or a folder lies `maxDepth`
-// or more levels down.
+// `*error` when `path` is no readable directory, a folder below it cannot be
+// listed (no permission, a path too long for the system), or a folder lies
+// `maxDepth` or more levels down.
 bool ReadDirectoryTree(const std::string& path, PropertyNode* root, size_t maxDepth,
                        std::string* error);
 
