@@ -43,7 +43,9 @@ mkdir -p folder/inner
 ln -s .. folder/inner/up
 expect "table: a folder" 1 "folder" table folder
 expect "table: an endless stream" 1 "/dev/zero" table /dev/zero
-expect "table: a row range of 4e9" 1 "tests_a.csv" table "$examples/tests_a.csv@1-4000000000"
+expect "table: a row range of 4e9" 1 "at most 100000000 rows" table "$examples/tests_a.csv@1-4000000000"
+expect "table: row ranges adding up past the limit" 1 "at most 100000000 rows" \
+  table "$examples/tests_a.csv@1-60000000,1-60000000"
 expect "calc: an endless stream" 1 "/dev/zero" calc --expr 1 /dev/zero
 expect "calc: a folder" 1 "folder" calc --expr 1 folder
 expect "tree: json from a folder" 1 "is a directory" tree --from json folder

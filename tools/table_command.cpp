@@ -159,10 +159,17 @@ bool LoadInput(const std::string& argument, bool quiet, VCUTableMemory* table, V
   std::string path;
   utilkit::tool::SplitInputArgument(argument, &path, rows, selected);
   Progress progress(!quiet);
-  return utilkit::tool::ReadCsvToMemoryTable(
-      path, table, texts, error, [&](const char* stage, int64_t done, int64_t total) {
-        progress.Show(std::string(stage) + " " + path, done, total);
-      });
+  if (utilkit::tool::ReadCsvToMemoryTable(
+          path, table, texts, error, [&](const char* stage, int64_t done, int64_t total) {
+            progress.Show(std::string(stage) + " " + path, done, total);
+          })) {
+    return true;
+  }
+  if (const size_t at = path.rfind('@'); !*selected && at != std::string::npos) {
+    *error += " (nor is \"" + path.substr(at + 1) + "\" a list of at most " +
+              std::to_string(utilkit::tool::kMaxSelectedRows) + " rows such as 5,1-3)";
+  }
+  return false;
 }
 
 int Write(VCUTable& table, const TableOptions& options) {

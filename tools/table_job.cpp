@@ -1,6 +1,7 @@
 #include "table_job.h"
 
 #include <algorithm>
+#include <exception>
 #include <unordered_map>
 
 #include <utilkit/base/number_text.h>
@@ -20,14 +21,27 @@ void SplitInputArgument(const std::string& argument, std::string* name, std::vec
   VCStringArray parts;
   parts.SplitString(argument.substr(at + 1).c_str(), ",", VCStringArray::kSplitTrim);
   std::vector<int64_t> list;
+  int64_t count = 0;  // rows listed so far, checked before any is expanded
   for (const VCString& part : parts) {
     const int32_t dash = part.Find('-', 1);
     int64_t first = 0, last = 0;
     if (!VFAscToNum(dash < 0 ? part.c_str() : part.Left(dash).c_str(), &first) ||
-        !VFAscToNum(dash < 0 ? part.c_str() : part.Mid(dash + 1).c_str(), &last) || last < first ||
-        last - first > 100000000) {
+        !VFAscToNum(dash < 0 ? part.c_str() : part.Mid(dash + 1).c_str(), &last) || first < 1 ||
+        last < first || last - first >= kMaxSelectedRows - count) {
       return;
     }
+    count += last - first + 1;
+  }
+  try {
+    list.reserve(static_cast<size_t>(count));
+  } catch (const std::exception&) {
+    return;
+  }
+  for (const VCString& part : parts) {
+    const int32_t dash = part.Find('-', 1);
+    int64_t first = 0, last = 0;
+    VFAscToNum(dash < 0 ? part.c_str() : part.Left(dash).c_str(), &first);
+    VFAscToNum(dash < 0 ? part.c_str() : part.Mid(dash + 1).c_str(), &last);
     for (int64_t r = first; r <= last; ++r) list.push_back(r);
   }
   *name = argument.substr(0, at);

@@ -62,8 +62,13 @@ struct TableOperations {
   std::vector<FilterTextValue> filterTexts;  // the filter's comparisons with a text value
 };
 
-// Splits "name@5,1-3" into the name and its rows (5, 1, 2, 3). A argument
-// without a valid row list after its last "@" is all name, not selected.
+// The most rows a FILE@ROWS argument may list, all its ranges together.
+inline constexpr int64_t kMaxSelectedRows = 100000000;
+
+// Splits "name@5,1-3" into the name and its rows (5, 1, 2, 3). An argument
+// without a valid row list after its last "@" (a range ending before it
+// starts, a row below 1, or more than kMaxSelectedRows rows) is all name, not
+// selected.
 void SplitInputArgument(const std::string& argument, std::string* name, std::vector<int64_t>* rows,
                         bool* selected);
 
