@@ -79,14 +79,14 @@ expect "xml: elements 100000 deep" 1 "nested more than 1000" xml deep.xml
 python3 - <<'EOF'
 with open("props.xml", "w") as f:
     f.write("<Properties>")
-    f.writelines('<Property name="p%d" type="long"/>' % i for i in range(20000))
+    f.writelines('<Property name="p%d" type="long"/>' % i for i in range(100000))
     f.write("</Properties>")
 with open("wide.csv", "w") as f:
-    f.write(",".join("c%d" % i for i in range(30000)) + "\n")
-    f.write(",".join(str(i) for i in range(30000)) + "\n")
+    f.write(",".join("c%d" % i for i in range(100000)) + "\n")
+    f.write(",".join(str(i) for i in range(100000)) + "\n")
 EOF
-expect "props: 20000 properties" 0 "p19999" props props.xml
-expect "table: 30000 columns" 0 "29999" table -c c29999 wide.csv
+expect "props: 100000 properties" 0 "p99999" props props.xml
+expect "table: 100000 columns" 0 "99999" table -c c99999 wide.csv
 
 # Silent wrong answers.
 expect "filter: text against numbers" 1 "is not a number" table -f "Peak > abc" "$examples/tests_a.csv"

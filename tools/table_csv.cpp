@@ -5,7 +5,9 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include <utilkit/base/error_stack.h>
@@ -82,8 +84,10 @@ bool ParseSuffix(const VCString& suffix, CsvColumnHeader* header) {
   return false;
 }
 
-bool SameName(const std::string& a, const std::string& b) {
-  return VCString(a).CompareNoCase(b.c_str()) == 0;
+// `name` upper-cased as VCString::CompareNoCase compares.
+std::string UpperName(const std::string& name) {
+  VCString upper(name.c_str());
+  return upper.MakeUpper().str();
 }
 
 // Reads records of CSV text into columns.
@@ -158,23 +162,20 @@ class Reader {
 
   bool ReadHeader(const std::vector<std::string_view>& cells) {
     std::vector<CsvColumnHeader> headers(cells.size());
+    // Names seen, upper-cased, of data columns and of status columns.
+    std::unordered_set<std::string> names[2];
     for (size_t f = 0; f < cells.size(); ++f) {
       if (!ParseCsvHeaderCell(cells[f], &headers[f])) {
         return Fail(Where(m_source, 1, f) + "'" + std::string(cells[f]) +
                     "' is not name, name:type or name:status");
       }
       headers[f].field = f;
-      for (size_t g = 0; g < f; ++g) {
-        if (headers[g].isStatus == headers[f].isStatus &&
-            SameName(headers[g].name, headers[f].name)) {
-          return Fail(Where(m_source, 1, f) + "a second column named " + headers[f].name);
-        }
+      if (!names[headers[f].isStatus].insert(UpperName(headers[f].name)).second) {
+        return Fail(Where(m_source, 1, f) + "a second column named " + headers[f].name);
       }
     }
     for (const CsvColumnHeader& h : headers) {
-      const bool found = !h.isStatus || std::any_of(headers.begin(), headers.end(), [&](auto& s) {
-        return !s.isStatus && SameName(s.name, h.name);
-      });
+      const bool found = !h.isStatus || names[0].count(UpperName(h.name)) != 0;
       if (!found) {
         return Fail(Where(m_source, 1, h.field) +
                     "status column of a column that does not exist (" + h.name + ")");

@@ -1,6 +1,7 @@
 // The table processor's merged columns: which columns take part, and where
 // each input table keeps them.
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 
 #include <utilkit/base/error_stack.h>
@@ -13,10 +14,22 @@ using namespace utilkit::table;
 
 namespace {
 
+std::string UpperKey(const char* keyword) {
+  VCString key(keyword);
+  return key.MakeUpper().c_str();  // up to a NUL, as CompareNoCase compares
+}
+
 // Like VCUTable::GetColIndexFromKeyword, but a missing keyword is an answer
-// (index -1), not an error. Fails only when the table cannot be read.
-bool FindColumn(VCUTable& table, const char* keyword, int32_t* index) {
+// (index -1), not an error. Fails only when the table cannot be read. Uses
+// `index` (one input's keyword index) when it is given.
+bool FindColumn(VCUTable& table, const char* keyword, int32_t* index,
+                const std::unordered_map<std::string, int32_t>* keywordIndex = nullptr) {
   *index = -1;
+  if (keywordIndex != nullptr) {
+    const auto found = keywordIndex->find(UpperKey(keyword));
+    if (found != keywordIndex->end()) *index = found->second;
+    return true;
+  }
   int32_t count = 0;
   if (!table.GetNumCols(&count)) return false;
   VCString name;
@@ -32,8 +45,9 @@ bool FindColumn(VCUTable& table, const char* keyword, int32_t* index) {
 
 // Common-columns mode: the first table's columns that every other table
 // has with the same type.
-bool CollectCommon(const std::vector<VCUTable*>& inputs, VCArray<VCString>* keywords,
-                   VCArray<VTTableDataType>* types) {
+bool CollectCommon(const std::vector<VCUTable*>& inputs,
+                   const std::vector<std::unordered_map<std::string, int32_t>>& index,
+                   VCArray<VCString>* keywords, VCArray<VTTableDataType>* types) {
   VCUTable& first = *inputs.front();
   int32_t count = 0;
   if (!first.GetNumCols(&count)) return false;
@@ -43,11 +57,13 @@ bool CollectCommon(const std::vector<VCUTable*>& inputs, VCArray<VCString>* keyw
     if (!first.GetColKeyword(col, &keyword) || !first.GetColType(col, &type)) return false;
     bool everywhere = true;
     for (size_t t = 1; everywhere && t < inputs.size(); ++t) {
-      int32_t index = -1;
+      int32_t found = -1;
       VTTableDataType other = VTTableDataType::None;
-      if (!FindColumn(*inputs[t], keyword, &index)) return false;
-      if (index >= 0 && !inputs[t]->GetColType(index, &other)) return false;
-      everywhere = index >= 0 && other == type;
+      if (!FindColumn(*inputs[t], keyword, &found, index.empty() ? nullptr : &index[t])) {
+        return false;
+      }
+      if (found >= 0 && !inputs[t]->GetColType(found, &other)) return false;
+      everywhere = found >= 0 && other == type;
     }
     if (everywhere && (keywords->Add(keyword) < 0 || types->Add(type) < 0)) return false;
   }
@@ -80,8 +96,9 @@ bool VCUTableProcessor::CollectColumns(VCArray<VCString>* keywords,
   const std::vector<VCUTable*>& inputs = m_state->inputs;
   if (inputs.empty()) return true;
   const size_t records = VFErrorGetCount();
-  const bool ok = m_state->commonColumns ? CollectCommon(inputs, keywords, types)
-                                         : CollectAll(inputs, keywords, types);
+  const bool ok = m_state->commonColumns
+                      ? CollectCommon(inputs, m_state->keywordIndex, keywords, types)
+                      : CollectAll(inputs, keywords, types);
   // A failed read has pushed its error; a failed Add has not.
   if (!ok && VFErrorGetCount() == records) return FailMemory("VCUTableProcessor::CollectColumns");
   return ok;
@@ -96,11 +113,18 @@ bool VCUTableProcessor::GetColIndeces(const char* keyword, VCArray<int32_t>* ind
   hasStatus->RemoveAll();
   *type = VTTableDataType::None;
   bool found = false;
-  for (VCUTable* table : m_state->inputs) {
+  const auto& keywordIndex = m_state->keywordIndex;
+  for (size_t t = 0; t < m_state->inputs.size(); ++t) {
+    VCUTable* table = m_state->inputs[t];
     int32_t index = -1;
     char status = 0;
-    if (m_state->commonColumns ? !table->GetColIndexFromKeyword(wanted, &index)
-                               : !FindColumn(*table, wanted, &index)) {
+    if (!keywordIndex.empty()) {
+      FindColumn(*table, wanted, &index, &keywordIndex[t]);
+      if (index < 0 && m_state->commonColumns) {
+        return Fail(-655968, "VCUTable::GetColIndexFromKeyword", wanted);  // as the table says
+      }
+    } else if (m_state->commonColumns ? !table->GetColIndexFromKeyword(wanted, &index)
+                                      : !FindColumn(*table, wanted, &index)) {
       return false;
     }
     if (index >= 0) {
@@ -115,4 +139,25 @@ bool VCUTableProcessor::GetColIndeces(const char* keyword, VCArray<int32_t>* ind
     if (indices->Add(index) < 0 || hasStatus->Add(status) < 0) return FailMemory(kLocation);
   }
   return found || Fail(-655968, kLocation, wanted);
+}
+
+bool VFBuildKeywordIndex(VCUTableProcessorState* state) {
+  VCUTableProcessorState& s = *state;
+  try {
+    s.keywordIndex.assign(s.inputs.size(), {});
+    VCString keyword;
+    for (size_t t = 0; t < s.inputs.size(); ++t) {
+      int32_t count = 0;
+      if (!s.inputs[t]->GetNumCols(&count)) return s.keywordIndex.clear(), false;
+      s.keywordIndex[t].reserve(static_cast<size_t>(count));
+      for (int32_t col = 0; col < count; ++col) {
+        if (!s.inputs[t]->GetColKeyword(col, &keyword)) return s.keywordIndex.clear(), false;
+        s.keywordIndex[t].emplace(UpperKey(keyword), col);
+      }
+    }
+  } catch (...) {
+    s.keywordIndex.clear();
+    return FailMemory("VCUTableProcessor::CollectColumns");
+  }
+  return true;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -80,6 +81,11 @@ struct VCUTableProcessorState {
   VCUTableData data;
   VCUOutputTable output;
   VCStringArray scratch;  // texts of one run, reused across reads
+  // While Validate or AddAllInputColsToOutput runs: each input's columns by
+  // upper-cased keyword (the first of a keyword), so that finding n columns
+  // in n inputs' columns takes n look-ups, not n^2 comparisons. Empty
+  // otherwise: the columns may change between runs.
+  std::vector<std::unordered_map<std::string, int32_t>> keywordIndex;
 
   // Forgets the merged columns (and so the output columns' resolution).
   void DropMergedColumns() {
@@ -89,4 +95,23 @@ struct VCUTableProcessorState {
       col.resolved = false;
     }
   }
+};
+
+// Fills `state->keywordIndex` from the inputs' columns. False, index empty,
+// when a table cannot be read (its error pushed) or memory runs out.
+bool VFBuildKeywordIndex(VCUTableProcessorState* state);
+
+// Keeps the keyword index for one scope: built on entry, emptied on exit.
+class VCKeywordIndexScope {
+ public:
+  explicit VCKeywordIndexScope(VCUTableProcessorState* state)
+      : m_state(state), m_ok(VFBuildKeywordIndex(state)) {}
+  ~VCKeywordIndexScope() { m_state->keywordIndex.clear(); }
+  VCKeywordIndexScope(const VCKeywordIndexScope&) = delete;
+  VCKeywordIndexScope& operator=(const VCKeywordIndexScope&) = delete;
+  bool ok() const { return m_ok; }
+
+ private:
+  VCUTableProcessorState* m_state;
+  bool m_ok;
 };

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cassert>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 #include <utilkit/base/preference_system.h>
@@ -150,7 +152,8 @@ bool VCUTableProcessor::AddAllInputColsToOutput(char commonColumns) {
   m_state->commonColumns = commonColumns;
   VCArray<VCString> keywords;
   VCArray<VTTableDataType> types;
-  if (!CollectColumns(&keywords, &types)) return false;
+  const VCKeywordIndexScope index(m_state.get());
+  if (!index.ok() || !CollectColumns(&keywords, &types)) return false;
   for (int32_t i = 0; i < keywords.GetSize(); ++i) {
     if (types[i] != VTTableDataType::None && !AddOutputColumn(keywords[i])) return false;
   }
@@ -164,7 +167,8 @@ bool VCUTableProcessor::Validate() {
   s.DropMergedColumns();
   VCArray<VCString> keywords;
   VCArray<VTTableDataType> types;
-  if (!CollectColumns(&keywords, &types)) return false;
+  const VCKeywordIndexScope index(&s);
+  if (!index.ok() || !CollectColumns(&keywords, &types)) return false;
   try {
     for (int32_t i = 0; i < keywords.GetSize(); ++i) {
       if (types[i] == VTTableDataType::None) continue;
@@ -182,10 +186,30 @@ bool VCUTableProcessor::Validate() {
     return FailMemory(kLocation);
   }
   if (s.outputCols.empty()) return Fail(-655972, kLocation);
+  // The merged columns by upper-cased keyword (the first of each), so that
+  // placing n output columns is not n^2 comparisons; a keyword not there is
+  // left to the merged view to report.
+  std::unordered_map<std::string, int32_t> mergedIndex;
+  try {
+    mergedIndex.reserve(s.merged.size());
+    for (size_t i = 0; i < s.merged.size(); ++i) {
+      VCString key(s.merged[i].keyword);
+      mergedIndex.emplace(key.MakeUpper().c_str(), static_cast<int32_t>(i));
+    }
+  } catch (...) {
+    return FailMemory(kLocation);
+  }
   for (OutputColumn& col : s.outputCols) {
-    if (col.computed ? !col.computed->Validate(&s.data)
-                     : !s.data.GetColIndexFromKeyword(col.keyword, &col.merged)) {
-      return false;
+    if (col.computed) {
+      if (!col.computed->Validate(&s.data)) return false;
+    } else {
+      VCString key(col.keyword);
+      const auto found = mergedIndex.find(key.MakeUpper().c_str());
+      if (found != mergedIndex.end()) {
+        col.merged = found->second;
+      } else if (!s.data.GetColIndexFromKeyword(col.keyword, &col.merged)) {
+        return false;
+      }
     }
     col.resolved = true;
   }
