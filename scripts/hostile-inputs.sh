@@ -59,6 +59,12 @@ expect "xml: a folder" 1 "folder" xml folder
 expect "props: a folder" 1 "folder" props folder
 expect "sections: an endless stream" 1 "/dev/zero" sections /dev/zero
 expect "report: an endless stream" 1 "/dev/zero" report show /dev/zero
+expect "report: a folder as text" 1 "is a directory" report new out.lxm --title t --page p --text folder
+expect "report: an endless stream as text" 1 "larger than" report new out.lxm --title t --page p --text /dev/zero
+expect "send: a folder" 1 "is a directory" send --port 9 --file folder
+expect "send: an endless stream" 1 "larger than 64 MiB" send --port 9 --file /dev/zero
+expect "send: an endless stream as a form part" 1 "larger than 64 MiB" send --port 9 --form a=@/dev/zero
+expect "serve: an endless stream as the reply" 1 "larger than 64 MiB" serve --port 0 --reply /dev/zero
 
 # Nesting without end.
 printf '(%.0s' $(seq 50000) >parens && printf 'Peak > 1' >>parens && printf ')%.0s' $(seq 50000) >>parens

@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,6 +13,7 @@
 #include <utilkit/library_xml/library_xml.h>
 
 #include "csv_table.h"
+#include "input_file.h"
 #include "report_html.h"
 
 namespace {
@@ -111,14 +111,6 @@ bool ColumnTypes(const utilkit::tool::CsvTable& csv, const std::string& letters,
   return true;
 }
 
-bool ReadWholeFile(const std::string& path, std::string* text) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream s;
-  s << in.rdbuf();
-  *text = s.str();
-  return static_cast<bool>(in) || in.eof();
-}
-
 // Adds a table item read from the CSV file at `path`.
 int AddTable(VCULibraryXML_Page* page, const std::string& path, const std::string& letters) {
   utilkit::tool::CsvTable csv;
@@ -163,7 +155,10 @@ int RunNew(CLI::App& command, const NewOptions& options) {
     if (name == "--text") {
       const std::string& path = options.texts[next[1]++];
       std::string text;
-      if (!ReadWholeFile(path, &text)) return Fail(path + ": cannot be read");
+      if (std::string error;
+          !tool_input::ReadInputFile(path, tool_input::kDefaultInputLimit, &text, &error)) {
+        return Fail(error);
+      }
       auto* item = new VCULibraryXML_ItemText();
       page->AppendItem(item);
       if (!item->SetText(text.data(), static_cast<int32_t>(text.size())))

@@ -1,8 +1,6 @@
 #include "send_command.h"
 
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,6 +12,7 @@
 #include <utilkit/xml/data_buffer.h>
 
 #include "comms_command.h"
+#include "input_file.h"
 #if defined(UTILKIT_WITH_XML)
 #include <utilkit/net/socket_io_xml.h>
 #include <utilkit/xml/xml_helper.h>
@@ -48,7 +47,7 @@ Examples:
   utilkit send --port 5000 --xml Reply --file examples/channels.xml
   utilkit send --port 5000 --form job=resample --form signal=@run7.bin)";
 
-constexpr std::streamsize kMaxFileBytes = 64 * 1024 * 1024;
+constexpr size_t kMaxFileBytes = size_t{64} << 20;
 
 struct SendOptions {
   std::string host = "localhost";
@@ -78,14 +77,9 @@ int Fail() {
 int SendText(const SendOptions& options, VCUClientSocket& client) {
   std::string text = options.text;
   if (!options.file.empty()) {
-    std::ifstream in(options.file, std::ios::binary);
-    if (!in) {
-      std::fprintf(stderr, "utilkit send: %s: cannot be read\n", options.file.c_str());
-      return 1;
-    }
-    text.assign(std::istreambuf_iterator<char>(in.rdbuf()), {});
-    if (static_cast<std::streamsize>(text.size()) > kMaxFileBytes) {
-      std::fprintf(stderr, "utilkit send: %s: longer than 64 MiB\n", options.file.c_str());
+    std::string error;
+    if (!tool_input::ReadInputFile(options.file, kMaxFileBytes, &text, &error)) {
+      std::fprintf(stderr, "utilkit send: %s\n", error.c_str());
       return 1;
     }
   }

@@ -2,8 +2,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 
@@ -14,6 +12,7 @@
 #include <utilkit/xml/data_buffer.h>
 
 #include "comms_command.h"
+#include "input_file.h"
 #if defined(UTILKIT_WITH_XML)
 #include <utilkit/net/socket_io_xml.h>
 #include <utilkit/xml/xml_helper.h>
@@ -75,10 +74,12 @@ class Server {
       return !m_replyDocument.isNull();
     }
 #endif
-    std::ifstream in(m_options.reply, std::ios::binary);
-    if (!in) return false;
-    m_replyText.assign(std::istreambuf_iterator<char>(in.rdbuf()), {});
-    return m_replyText.size() <= 64u * 1024 * 1024;
+    return tool_input::ReadInputFile(m_options.reply, size_t{64} << 20, &m_replyText, &m_loadError);
+  }
+
+  // Why LoadReply failed to read the reply file, when it did.
+  const std::string& LoadError() const {
+    return m_loadError;
   }
 
   VCUSocketIO& Io() {
@@ -112,6 +113,7 @@ class Server {
   const ServeOptions& m_options;
   VCUSocketIONull m_null;
   std::string m_replyText;
+  std::string m_loadError;
 #if defined(UTILKIT_WITH_XML)
   VCUSocketIOXml m_xml;
   DOM_Document m_replyDocument;
@@ -126,8 +128,12 @@ int RunServe(const ServeOptions& options) {
   VFErrorClear();
   Server server(options);
   if (!server.LoadReply()) {
-    std::fprintf(stderr, "utilkit serve: %s: cannot be read\n%s", options.reply.c_str(),
-                 VFErrorGetFullString().c_str());
+    if (!server.LoadError().empty()) {
+      std::fprintf(stderr, "utilkit serve: %s\n", server.LoadError().c_str());
+    } else {
+      std::fprintf(stderr, "utilkit serve: %s: cannot be read\n%s", options.reply.c_str(),
+                   VFErrorGetFullString().c_str());
+    }
     return 1;
   }
   VCUServerSocket listener;
