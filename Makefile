@@ -54,7 +54,7 @@ windows: deps
 FUZZ_SECONDS ?= 20
 FUZZERS = xml_fuzz:xml props_fuzz:props tree_ops_fuzz:tree sections_fuzz:sections \
   calc_fuzz:calc csv_fuzz:csv table_ops_fuzz:table_ops number_time_fuzz:number_time \
-  tree_source_fuzz:tree_source
+  tree_source_fuzz:tree_source message_form_fuzz:message_form library_xml_fuzz:library_xml
 
 fuzz: deps
 	cmake -S fuzz -B build/fuzz -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo
