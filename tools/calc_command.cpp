@@ -47,6 +47,7 @@ struct CalcOptions {
   double logZeroValue = 0.0;
   bool divZeroTrap = false;
   bool logZeroTrap = false;
+  size_t maxInputMiB = 256;
 };
 
 // Binds "#Column#" variables to the columns of a CSV table, converting each
@@ -132,7 +133,7 @@ std::string FormatNumber(double value) {
 int RunCalc(const CalcOptions& options) {
   CsvTable table;
   std::string error;
-  if (!utilkit::tool::ReadCsvFile(options.input, &table, &error)) {
+  if (!utilkit::tool::ReadCsvFile(options.input, &table, &error, options.maxInputMiB << 20)) {
     std::fprintf(stderr, "utilkit calc: %s\n", error.c_str());
     return 1;
   }
@@ -205,6 +206,9 @@ void AddCalcCommand(CLI::App& app) {
       ->required();
   calc->add_option("--output,-o", options->output, "Write the CSV here instead of standard output");
   calc->add_option("--name", options->name, "Header of the result column")->capture_default_str();
+  calc->add_option("--max-input-mb", options->maxInputMiB, "Largest input file, in MiB")
+      ->capture_default_str()
+      ->check(CLI::Range(size_t{1}, size_t{1} << 20));
   CLI::Option* divZero =
       calc->add_option("--div-zero", options->divZeroValue, "Result for rows that divide by zero");
   CLI::Option* logZero = calc->add_option("--log-zero", options->logZeroValue,

@@ -68,9 +68,9 @@ bool ParseCsv(std::string_view text, const std::string& source, CsvTable* table,
   return true;
 }
 
-bool ReadCsvFile(const std::string& path, CsvTable* table, std::string* error) {
+bool ReadCsvFile(const std::string& path, CsvTable* table, std::string* error, size_t limit) {
   std::string content;
-  if (!tool_input::ReadInputFile(path, tool_input::kDefaultInputLimit, &content, error)) {
+  if (!tool_input::ReadInputFile(path, limit, &content, error)) {
     return false;
   }
   return ParseCsv(content, path, table, error);

@@ -40,8 +40,9 @@ bool ParseCsv(std::string_view text, const std::string& source, CsvTable* table,
               std::string* error);
 
 // Reads the file at `path` and parses it; a directory, a file that cannot be
-// read and one over 256 MiB (input_file.h) are errors.
-bool ReadCsvFile(const std::string& path, CsvTable* table, std::string* error);
+// read and one over `limit` bytes are errors.
+bool ReadCsvFile(const std::string& path, CsvTable* table, std::string* error,
+                 size_t limit = size_t{256} << 20);
 
 // Writes one record ending in "\n", quoting the fields that hold a comma, a
 // quote or a line break.

@@ -40,6 +40,7 @@ struct SectionsOptions {
   int32_t channels = -1;
   std::string to;
   bool normalise = false;
+  size_t maxInputMiB = tool_input::kDefaultInputLimit >> 20;
 };
 
 int FailWithErrors() {
@@ -62,9 +63,10 @@ std::string ErrorLine() {
   return line;
 }
 
-bool ReadSections(const std::string& path, VCUSections* sections, std::string* error) {
+bool ReadSections(const std::string& path, VCUSections* sections, std::string* error,
+                  size_t limit = tool_input::kDefaultInputLimit) {
   std::string text;
-  if (!tool_input::ReadInputFile(path, tool_input::kDefaultInputLimit, &text, error)) return false;
+  if (!tool_input::ReadInputFile(path, limit, &text, error)) return false;
   if (text.find('\0') != std::string::npos) {
     *error = path + ": not a sections text";
     return false;
@@ -79,7 +81,8 @@ bool ReadSections(const std::string& path, VCUSections* sections, std::string* e
 int RunSections(const SectionsOptions& options) {
   VFErrorClear();
   VCUSections sections(options.units == "points" ? VTSectionUnits::Points : VTSectionUnits::Time);
-  if (std::string error; !ReadSections(options.file, &sections, &error)) {
+  if (std::string error;
+      !ReadSections(options.file, &sections, &error, options.maxInputMiB << 20)) {
     std::fprintf(stderr, "utilkit sections: %s\n", error.c_str());
     return 1;
   }
@@ -108,6 +111,9 @@ void AddSectionsCommand(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
       "sections", "Check sections of a signal against it; convert them between time and points");
   command->add_option("file", options->file, "The sections text")->required();
+  command->add_option("--max-input-mb", options->maxInputMiB, "Largest sections file, in MiB")
+      ->capture_default_str()
+      ->check(CLI::Range(size_t{1}, size_t{1} << 20));
   command->add_option("--units", options->units, "Units of the file's numbers")
       ->check(CLI::IsMember({"time", "points"}))
       ->capture_default_str();

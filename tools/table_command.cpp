@@ -246,6 +246,11 @@ void AddTableCommand(CLI::App& app) {
   table->add_flag("--all-columns,-a", options->job.allColumns,
                   "Merge every column of any file, not only the common ones");
   table->add_option("--filter,-f", options->job.filter, "Keep the rows that pass this filter");
+  table
+      ->add_option("--max-depth", options->job.maxFilterDepth,
+                   "Deepest nesting of parentheses in the filter")
+      ->capture_default_str()
+      ->check(CLI::Range(size_t{1}, size_t{100000}));
   table->add_option("--sort", options->job.sort, "Sort the rows by these keys (see below)")
       ->type_name("KEY,...");
   table

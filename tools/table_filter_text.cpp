@@ -54,8 +54,8 @@ bool IsReserved(const Token& t) {
 
 class Parser {
  public:
-  Parser(std::string_view text, std::vector<FilterTextValue>* textValues)
-      : m_text(text), m_textValues(textValues) {
+  Parser(std::string_view text, std::vector<FilterTextValue>* textValues, size_t maxDepth)
+      : m_text(text), m_textValues(textValues), m_maxDepth(maxDepth) {
     Advance();
   }
 
@@ -170,8 +170,8 @@ class Parser {
       negated = !negated;
     }
     if (Is("(")) {
-      if (m_depth == kMaxFilterDepth) {
-        return Fail("groups nested more than " + std::to_string(kMaxFilterDepth) + " deep");
+      if (m_depth >= m_maxDepth) {
+        return Fail("groups nested more than " + std::to_string(m_maxDepth) + " deep");
       }
       Advance();
       ++m_depth;
@@ -258,6 +258,7 @@ class Parser {
 
   std::string_view m_text;
   std::vector<FilterTextValue>* m_textValues;
+  size_t m_maxDepth;
   size_t m_pos = 0;
   Token m_token;
   std::string m_error;
@@ -304,9 +305,10 @@ std::unique_ptr<VCUTableFilter> Build(const Node& node, bool negate) {
 }  // namespace
 
 std::unique_ptr<VCUTableFilter> ParseTableFilter(std::string_view text, std::string* error,
-                                                 std::vector<FilterTextValue>* textValues) {
+                                                 std::vector<FilterTextValue>* textValues,
+                                                 size_t maxDepth) {
   Node root;
-  Parser parser(text, textValues);
+  Parser parser(text, textValues, maxDepth);
   if (!parser.Parse(&root, error)) return nullptr;
   return Build(root, false);
 }

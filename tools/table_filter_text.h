@@ -20,7 +20,7 @@
 // NOT of a group is carried down to the comparisons (NOT (A AND B) is
 // NOT A OR NOT B). An Enum column compares with an option name given as
 // text, or with a code given as a number. Parentheses nest at most
-// kMaxFilterDepth deep; any number of NOTs and of parts in a list is taken
+// kMaxFilterDepth deep unless told otherwise; any number of NOTs and of parts in a list is taken
 // (a list becomes a balanced tree of AND or OR pairs).
 #pragma once
 
@@ -34,7 +34,8 @@
 
 namespace utilkit::tool {
 
-// The deepest nesting of parentheses a filter text may have.
+// The deepest nesting of parentheses a filter text may have unless told
+// otherwise (`utilkit table --max-depth`).
 inline constexpr size_t kMaxFilterDepth = 200;
 
 // A comparison whose value is a text: against a column of numbers it would
@@ -48,7 +49,9 @@ struct FilterTextValue {
 // The filter tree that `text` describes, or null with `*error` saying what
 // is wrong and where ("filter: expected a value at character 9"). When
 // `textValues` is given, the comparisons with a text value are added to it.
-std::unique_ptr<VCUTableFilter> ParseTableFilter(
-    std::string_view text, std::string* error, std::vector<FilterTextValue>* textValues = nullptr);
+// Parentheses nested more than `maxDepth` deep are refused.
+std::unique_ptr<VCUTableFilter> ParseTableFilter(std::string_view text, std::string* error,
+                                                 std::vector<FilterTextValue>* textValues = nullptr,
+                                                 size_t maxDepth = kMaxFilterDepth);
 
 }  // namespace utilkit::tool

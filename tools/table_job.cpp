@@ -132,7 +132,8 @@ bool CheckFilterValues(const std::vector<TableInput>& inputs, const TableOperati
 bool BuildTableOperations(const TableJob& job, TableOperations* operations, std::string* error) {
   error->clear();
   if (!job.filter.empty()) {
-    operations->filter = ParseTableFilter(job.filter, error, &operations->filterTexts);
+    operations->filter =
+        ParseTableFilter(job.filter, error, &operations->filterTexts, job.maxFilterDepth);
     if (!operations->filter) return false;
   }
   if (!job.sort.empty() || !job.category.empty()) {

@@ -41,16 +41,17 @@ struct TableInput {
 
 // The texts of table_filter_text.h and table_ops_text.h; empty: none.
 struct TableJob {
-  bool allColumns = false;              // all-columns mode instead of common columns
-  std::string columns;                  // comma-separated output columns
-  std::string filter;                   // the filter
-  std::string sort;                     // the sort keys
-  std::string category;                 // the category trim of the sort
-  std::vector<std::string> compress;    // compressions, run in this order
-  std::vector<std::string> newColumns;  // computed columns
-  std::string rowIndex;                 // a row index column
-  std::vector<std::string> newStatus;   // "name=column": a computed column's status
-  std::string divZero, logZero;         // trap values of every computed column
+  bool allColumns = false;                  // all-columns mode instead of common columns
+  std::string columns;                      // comma-separated output columns
+  std::string filter;                       // the filter
+  std::string sort;                         // the sort keys
+  std::string category;                     // the category trim of the sort
+  std::vector<std::string> compress;        // compressions, run in this order
+  std::vector<std::string> newColumns;      // computed columns
+  std::string rowIndex;                     // a row index column
+  std::vector<std::string> newStatus;       // "name=column": a computed column's status
+  std::string divZero, logZero;             // trap values of every computed column
+  size_t maxFilterDepth = kMaxFilterDepth;  // deepest nesting of the filter's parentheses
 };
 
 // The operations a job's texts describe.
