@@ -72,6 +72,10 @@ expect "filter: 50000 parentheses" 1 "nested more than" table -f "$(cat parens)"
 expect "filter: 50000 NOTs" 0 "run-005" table -f "$(repeat '!' 50000)Peak > 20" -c Test "$examples/tests_a.csv"
 expect "filter: 8000 ANDs" 0 "run-005" table -f "Peak > 20$(repeat ' AND Peak > 20' 8000)" -c Test "$examples/tests_a.csv"
 expect "calc: 50000 parentheses" 1 "nested too deeply" calc --expr "$(repeat '(' 50000)1$(repeat ')' 50000)" "$examples/signals.csv"
+expect "calc: 150 parentheses, limit raised" 0 ",12.48,Load cell A,1,12.48" calc --max-depth 160 --expr "$(repeat '(' 150)#Peak#$(repeat ')' 150)" "$examples/signals.csv"
+expect "calc: limit raised past the stack" 105 "not in range 1 to 1000" calc --max-depth 100000 --expr 1 "$examples/signals.csv"
+expect "table: filter limit raised past the stack" 105 "not in range 1 to 2000" table --max-depth 100000 "$examples/tests_a.csv"
+expect "tree: filter parentheses 300 deep" 1 "Filter syntax error" tree -f "$(repeat '(' 300)Name=a$(repeat ')' 300)" folder
 repeat '[' 100000 >arrays.json && repeat ']' 100000 >>arrays.json
 expect "tree: JSON arrays 100000 deep" 1 "must be a JSON object" tree arrays.json
 repeat '{"name":"a","children":[' 20000 >objects.json && repeat ']}' 20000 >>objects.json
@@ -93,6 +97,14 @@ with open("wide.csv", "w") as f:
 EOF
 expect "props: 100000 properties" 0 "p99999" props props.xml
 expect "table: 100000 columns" 0 "99999" table -c c99999 wide.csv
+python3 - <<'EOF'
+n = 11000
+with open("vars.csv", "w") as f:
+    f.write(",".join("v%d" % i for i in range(n)) + "\n" + ",".join("1" * n) + "\n")
+with open("vars.txt", "w") as f:
+    f.write(" + ".join("#v%d#" % i for i in range(n)))
+EOF
+expect "calc: 11000 distinct variables" 0 ",11000" calc --expr "$(cat vars.txt)" vars.csv
 
 # Silent wrong answers.
 expect "filter: text against numbers" 1 "is not a number" table -f "Peak > abc" "$examples/tests_a.csv"

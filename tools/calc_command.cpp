@@ -48,6 +48,7 @@ struct CalcOptions {
   bool divZeroTrap = false;
   bool logZeroTrap = false;
   size_t maxInputMiB = 256;
+  int32_t maxDepth = 100;
 };
 
 // Binds "#Column#" variables to the columns of a CSV table, converting each
@@ -139,6 +140,7 @@ int RunCalc(const CalcOptions& options) {
   }
   VFErrorClear();
   ColumnCalculator calc(table, options.input);
+  calc.SetMaxNesting(options.maxDepth);
   if (!calc.SetExpression(options.expression.c_str())) {
     if (!calc.Problem().empty()) {
       std::fprintf(stderr, "utilkit calc: %s\n", calc.Problem().c_str());
@@ -209,6 +211,11 @@ void AddCalcCommand(CLI::App& app) {
   calc->add_option("--max-input-mb", options->maxInputMiB, "Largest input file, in MiB")
       ->capture_default_str()
       ->check(CLI::Range(size_t{1}, size_t{1} << 20));
+  calc->add_option("--max-depth", options->maxDepth,
+                   "Deepest nesting of parentheses, signs, powers and calls in the expression "
+                   "(each level takes about 2 KB of stack)")
+      ->capture_default_str()
+      ->check(CLI::Range(1, 1000));
   CLI::Option* divZero =
       calc->add_option("--div-zero", options->divZeroValue, "Result for rows that divide by zero");
   CLI::Option* logZero = calc->add_option("--log-zero", options->logZeroValue,

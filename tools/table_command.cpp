@@ -88,6 +88,7 @@ Examples:
 
 struct TableOptions {
   std::vector<std::string> inputs;
+  int64_t maxRows = utilkit::tool::kMaxSelectedRows;  // FILE@ROWS: rows listed, all ranges
   utilkit::tool::TableJob job;
   std::string output;
   std::string format = "csv";
@@ -154,10 +155,12 @@ int FailWithErrors() {
 }
 
 // Loads one input into `table`: its rows, and the selected rows if any.
-bool LoadInput(const std::string& argument, bool quiet, VCUTableMemory* table, VCUDictionary* texts,
-               std::vector<int64_t>* rows, bool* selected, std::string* error) {
+bool LoadInput(const std::string& argument, const TableOptions& options, VCUTableMemory* table,
+               VCUDictionary* texts, std::vector<int64_t>* rows, bool* selected,
+               std::string* error) {
   std::string path;
-  utilkit::tool::SplitInputArgument(argument, &path, rows, selected);
+  utilkit::tool::SplitInputArgument(argument, &path, rows, selected, options.maxRows);
+  const bool quiet = options.quiet;
   Progress progress(!quiet);
   if (utilkit::tool::ReadCsvToMemoryTable(
           path, table, texts, error, [&](const char* stage, int64_t done, int64_t total) {
@@ -167,7 +170,7 @@ bool LoadInput(const std::string& argument, bool quiet, VCUTableMemory* table, V
   }
   if (const size_t at = path.rfind('@'); !*selected && at != std::string::npos) {
     *error += " (nor is \"" + path.substr(at + 1) + "\" a list of at most " +
-              std::to_string(utilkit::tool::kMaxSelectedRows) + " rows such as 5,1-3)";
+              std::to_string(options.maxRows) + " rows such as 5,1-3)";
   }
   return false;
 }
@@ -216,7 +219,7 @@ int RunTable(const TableOptions& options) {
     utilkit::tool::TableInput& input = inputs.emplace_back();
     input.table = tables.back().get();
     std::string error;
-    if (!LoadInput(argument, options.quiet, tables.back().get(), texts.back().get(), &input.rows,
+    if (!LoadInput(argument, options, tables.back().get(), texts.back().get(), &input.rows,
                    &input.selected, &error)) {
       return Fail(error);
     }
@@ -248,9 +251,15 @@ void AddTableCommand(CLI::App& app) {
   table->add_option("--filter,-f", options->job.filter, "Keep the rows that pass this filter");
   table
       ->add_option("--max-depth", options->job.maxFilterDepth,
-                   "Deepest nesting of parentheses in the filter")
+                   "Deepest nesting of parentheses in the filter (each level takes about "
+                   "1.5 KB of stack)")
       ->capture_default_str()
-      ->check(CLI::Range(size_t{1}, size_t{100000}));
+      ->check(CLI::Range(size_t{1}, size_t{2000}));
+  table
+      ->add_option("--max-rows", options->maxRows,
+                   "Most rows a FILE@ROWS list may select, all its ranges together")
+      ->capture_default_str()
+      ->check(CLI::Range(int64_t{1}, int64_t{1} << 40));
   table->add_option("--sort", options->job.sort, "Sort the rows by these keys (see below)")
       ->type_name("KEY,...");
   table

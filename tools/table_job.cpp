@@ -13,7 +13,7 @@
 namespace utilkit::tool {
 
 void SplitInputArgument(const std::string& argument, std::string* name, std::vector<int64_t>* rows,
-                        bool* selected) {
+                        bool* selected, int64_t maxRows) {
   *name = argument;
   *selected = false;
   const size_t at = argument.rfind('@');
@@ -27,7 +27,7 @@ void SplitInputArgument(const std::string& argument, std::string* name, std::vec
     int64_t first = 0, last = 0;
     if (!VFAscToNum(dash < 0 ? part.c_str() : part.Left(dash).c_str(), &first) ||
         !VFAscToNum(dash < 0 ? part.c_str() : part.Mid(dash + 1).c_str(), &last) || first < 1 ||
-        last < first || last - first >= kMaxSelectedRows - count) {
+        last < first || last - first >= maxRows - count) {
       return;
     }
     count += last - first + 1;

@@ -63,15 +63,16 @@ struct TableOperations {
   std::vector<FilterTextValue> filterTexts;  // the filter's comparisons with a text value
 };
 
-// The most rows a FILE@ROWS argument may list, all its ranges together.
+// The most rows a FILE@ROWS argument may list by default, all its ranges
+// together (`utilkit table --max-rows` sets another).
 inline constexpr int64_t kMaxSelectedRows = 100000000;
 
 // Splits "name@5,1-3" into the name and its rows (5, 1, 2, 3). An argument
 // without a valid row list after its last "@" (a range ending before it
-// starts, a row below 1, or more than kMaxSelectedRows rows) is all name, not
+// starts, a row below 1, or more than `maxRows` rows) is all name, not
 // selected.
 void SplitInputArgument(const std::string& argument, std::string* name, std::vector<int64_t>* rows,
-                        bool* selected);
+                        bool* selected, int64_t maxRows = kMaxSelectedRows);
 
 // Reads the job's texts into `*operations`. False with `*error` a one-line
 // message for a text that does not read, a computed column named twice or a

@@ -49,6 +49,7 @@ struct TreeOptions {
   bool json = false;
   bool ids = false;
   size_t maxDepth = tree_tool::kDefaultMaxTreeDepth;
+  int32_t maxFilterDepth = 256;
   size_t maxInputMiB = tool_input::kDefaultInputLimit >> 20;
 };
 
@@ -75,6 +76,7 @@ bool ReadSource(const TreeOptions& options, tree_tool::PropertyNode* root, std::
 // Sets the operations; false (the error stack tells why) when a text is wrong.
 bool Configure(const TreeOptions& options, VCUTree* tree) {
   if (!options.group.empty() && !tree->SetGroupOpsFromText(options.group.c_str())) return false;
+  tree->SetMaxFilterNesting(options.maxFilterDepth);
   if (!options.filter.empty() && !tree->SetFilterOpsFromText(options.filter.c_str())) return false;
   if (!options.sort.empty() && !tree->SetSortOpsFromText(options.sort.c_str())) return false;
   tree->SetRecurseChildren(options.recurse ? 1 : 0);
@@ -128,6 +130,10 @@ void AddTreeCommand(CLI::App& app) {
   cmd->add_option("--max-depth", options->maxDepth, "Deepest nesting of the source tree")
       ->capture_default_str()
       ->check(CLI::Range(size_t{1}, size_t{10000}));
+  cmd->add_option("--max-filter-depth", options->maxFilterDepth,
+                  "Deepest nesting of the filter's parentheses")
+      ->capture_default_str()
+      ->check(CLI::Range(1, 10000));
   cmd->add_option("--max-input-mb", options->maxInputMiB, "Largest JSON or text source, in MiB")
       ->capture_default_str()
       ->check(CLI::Range(size_t{1}, size_t{1} << 20));

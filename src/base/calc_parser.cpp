@@ -4,6 +4,7 @@
 #include <charconv>
 #include <numbers>
 #include <system_error>
+#include <unordered_map>
 #include <vector>
 
 #include <utilkit/base/calculator.h>
@@ -96,8 +97,8 @@ std::string QuotedAt(std::string_view text, size_t pos) {
 
 class Parser {
  public:
-  Parser(std::string_view text, Program* program, CompileError* error)
-      : m_text(text), m_program(program), m_error(error) {}
+  Parser(std::string_view text, Program* program, CompileError* error, int32_t maxNesting)
+      : m_text(text), m_program(program), m_error(error), m_maxNesting(maxNesting) {}
 
   bool Run() {
     if (!Advance()) return false;
@@ -255,9 +256,9 @@ class Parser {
 
   // Every nesting level passes through here, so this is where depth is limited.
   bool ParseUnary(int32_t depth, Operand* out) {
-    if (m_nesting >= kMaxNesting) {
+    if (m_nesting >= m_maxNesting) {
       return Fail(kCalcErrorTooDeep,
-                  Concat("more than ", std::to_string(kMaxNesting), " levels", At(m_token.pos)));
+                  Concat("more than ", std::to_string(m_maxNesting), " levels", At(m_token.pos)));
     }
     ++m_nesting;
     const bool ok = ParsePrefixed(depth, out);
@@ -412,12 +413,14 @@ class Parser {
     return {Kind::kConstant, static_cast<int32_t>(m_constants.size() - 1)};
   }
 
+  // Numbers each distinct spelling once, found by hash (the spellings are
+  // views of the expression text, which outlives the parse).
   Operand Variable(std::string_view spelling) {
     auto& names = m_program->variables;
-    const auto index =
-        static_cast<int32_t>(std::find(names.begin(), names.end(), spelling) - names.begin());
-    if (index == static_cast<int32_t>(names.size())) names.emplace_back(spelling);
-    return {Kind::kVariable, index};
+    const auto [it, added] =
+        m_variableIndex.try_emplace(spelling, static_cast<int32_t>(names.size()));
+    if (added) names.emplace_back(spelling);
+    return {Kind::kVariable, it->second};
   }
 
   // Numbers the registers (keeping only the constants still referenced
@@ -462,17 +465,19 @@ class Parser {
   CompileError* m_error;
   size_t m_pos = 0;
   Token m_token;
+  int32_t m_maxNesting;
   int32_t m_nesting = 0;
   std::vector<Draft> m_code;
   std::vector<double> m_constants;
+  std::unordered_map<std::string_view, int32_t> m_variableIndex;
   int32_t m_maxTemp = 0;
 };
 
 }  // namespace
 
-bool Compile(std::string_view text, Program* program, CompileError* error) {
+bool Compile(std::string_view text, Program* program, CompileError* error, int32_t maxNesting) {
   *program = Program{};
-  return Parser(text, program, error).Run();
+  return Parser(text, program, error, maxNesting).Run();
 }
 
 }  // namespace utilkit::calc

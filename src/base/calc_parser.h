@@ -15,7 +15,8 @@
 
 namespace utilkit::calc {
 
-// Deepest nesting of parentheses, unary operators, powers and calls.
+// Deepest nesting of parentheses, unary operators, powers and calls, unless
+// the caller sets another.
 inline constexpr int32_t kMaxNesting = 100;
 // Most arguments a user function call may have.
 inline constexpr int32_t kMaxUserArguments = 32;
@@ -27,8 +28,9 @@ struct CompileError {
   std::string detail;
 };
 
-// Compiles `text` into `*program`. On failure fills `*error`; `*program` is
-// then unspecified.
-bool Compile(std::string_view text, Program* program, CompileError* error);
+// Compiles `text` into `*program`, nesting at most `maxNesting` levels. On
+// failure fills `*error`; `*program` is then unspecified.
+bool Compile(std::string_view text, Program* program, CompileError* error,
+             int32_t maxNesting = kMaxNesting);
 
 }  // namespace utilkit::calc

@@ -5,6 +5,7 @@
 #include <functional>
 #include <new>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -49,7 +50,9 @@ struct VCCalculator::Impl {
   std::vector<std::pair<int32_t, int32_t>> shared;  // (register, register it copies): same slot
   std::vector<double> registers;                    // one row: variables, constants, temporaries
   int32_t resultRegister = 0;
-  std::vector<std::string> lateNames;  // default GetVariableId: identifier -> name
+  int32_t maxNesting = utilkit::calc::kMaxNesting;
+  std::vector<std::string> lateNames;                // default GetVariableId: identifier -> name
+  std::unordered_map<std::string, int32_t> lateIds;  // and name -> identifier
   BlockRunner block;
   bool blockPrepared = false;
   std::vector<const double*> registerColumns;  // EvaluateBlock: per variable register
@@ -76,9 +79,14 @@ bool VCCalculator::GetVariableValue(int32_t id, double* value) {
 
 bool VCCalculator::GetVariableId(const char* name, int32_t* id) {
   auto& names = m_impl->lateNames;
-  const auto found = std::find(names.begin(), names.end(), name);
-  *id = static_cast<int32_t>(found - names.begin());
-  if (found == names.end()) names.emplace_back(name);
+  try {
+    const auto [it, added] = m_impl->lateIds.try_emplace(name, static_cast<int32_t>(names.size()));
+    if (added) names.emplace_back(name);
+    *id = it->second;
+  } catch (const std::bad_alloc&) {
+    PushError(kCalcErrorOutOfMemory, "", "VCCalculator::GetVariableId");
+    return false;
+  }
   return true;
 }
 
@@ -86,6 +94,14 @@ bool VCCalculator::ExecuteUserFunction(const char* name, const double* args, int
                                        double* result) {
   PushError(kCalcErrorUnknownFunction, name, "VCCalculator::ExecuteUserFunction");
   return false;
+}
+
+void VCCalculator::SetMaxNesting(int32_t levels) {
+  m_impl->maxNesting = std::max(levels, 1);
+}
+
+int32_t VCCalculator::GetMaxNesting() const {
+  return m_impl->maxNesting;
 }
 
 bool VCCalculator::SetExpression(const char* text) {
@@ -96,15 +112,17 @@ bool VCCalculator::SetExpression(const char* text) {
   try {
     m.expression = text ? text : "";
     utilkit::calc::CompileError error;
-    if (!utilkit::calc::Compile(m.expression, &m.program, &error)) {
+    if (!utilkit::calc::Compile(m.expression, &m.program, &error, m.maxNesting)) {
       PushError(error.code, error.detail, kWhere);
       return false;
     }
     m.lateNames.clear();
+    m.lateIds.clear();
     m.slots.clear();
     m.slotOfRegister.clear();
     m.shared.clear();
     const auto& names = m.program.variables;
+    std::unordered_map<int32_t, int32_t> slotOfId;  // host identifier -> slot
     for (int32_t reg = 0; reg < static_cast<int32_t>(names.size()); ++reg) {
       const size_t errorsBefore = VFErrorGetCount();
       int32_t id = 0;
@@ -114,13 +132,12 @@ bool VCCalculator::SetExpression(const char* text) {
                   VFErrorGetCount() > errorsBefore ? 1 : 0);
         return false;
       }
-      const auto slot = std::find_if(m.slots.begin(), m.slots.end(),
-                                     [id](const Impl::Slot& s) { return s.id == id; });
-      m.slotOfRegister.push_back(static_cast<int32_t>(slot - m.slots.begin()));
-      if (slot == m.slots.end()) {
+      const auto [slot, added] = slotOfId.try_emplace(id, static_cast<int32_t>(m.slots.size()));
+      m.slotOfRegister.push_back(slot->second);
+      if (added) {
         m.slots.push_back({id, reg});
       } else {
-        m.shared.emplace_back(reg, slot->reg);
+        m.shared.emplace_back(reg, m.slots[slot->second].reg);
       }
     }
     m.registers.assign(static_cast<size_t>(m.program.RegisterCount()), 0.0);

@@ -1,6 +1,7 @@
 #include <utilkit/table/new_col_calculator.h>
 
 #include <cstring>
+#include <new>
 
 #include "table/table_errors.h"
 
@@ -10,14 +11,6 @@ namespace {
 
 constexpr const char* kStatusSuffix = "_status";
 constexpr int32_t kSuffixLength = 7;
-
-// The position of `name` in `names` ignoring case, or -1.
-int32_t Find(const VCStringArray& names, const VCString& name) {
-  for (int32_t i = 0; i < names.GetSize(); ++i) {
-    if (names[i].CompareNoCase(name) == 0) return i;
-  }
-  return -1;
-}
 
 }  // namespace
 
@@ -53,18 +46,27 @@ bool VCUNewColCalculator::GetVariableId(const char* name, int32_t* id) {
   const VCString text(name + 1, length - 2);
   const bool status = text.GetLength() >= kSuffixLength &&
                       text.Right(kSuffixLength).CompareNoCase(kStatusSuffix) == 0;
-  VCStringArray& names = status ? m_statusNames : m_valueNames;
+  auto& ids = status ? m_statusIds : m_valueIds;
   VCArray<int32_t>& cols = status ? m_statusCols : m_valueCols;
   const int32_t base = status ? kStatusIdBase : 0;
-  int32_t at = Find(names, text);
-  if (at < 0) {
-    if (!status && names.GetSize() >= kStatusIdBase) return false;
+  try {
+    VCString upper(text);
+    const std::string key = upper.MakeUpper().c_str();  // up to a NUL, as CompareNoCase
+    const auto found = ids.find(key);
+    if (found != ids.end()) {
+      *id = base + found->second;
+      return true;
+    }
+    if (!status && cols.GetSize() >= kStatusIdBase) return false;
     const VCString keyword = status ? text.Left(text.GetLength() - kSuffixLength) : text;
     int32_t col = -1;
     if (!m_table->GetColIndexFromKeyword(keyword, &col)) return false;
-    at = names.Add(text);
-    if (at < 0 || cols.Add(col) < 0) return FailMemory("VCUNewColCalculator::GetVariableId");
+    const int32_t at = cols.Add(col);
+    if (at < 0) return FailMemory("VCUNewColCalculator::GetVariableId");
+    ids.emplace(key, at);
+    *id = base + at;
+  } catch (const std::bad_alloc&) {
+    return FailMemory("VCUNewColCalculator::GetVariableId");
   }
-  *id = base + at;
   return true;
 }

@@ -11,6 +11,7 @@
 
 struct VCUTree::Data {
   bool recurse = false;
+  int32_t maxFilterNesting = 256;              // parentheses of the filter text
   VCArray<VCUTreeGroupDefBase*> grouping{10};  // owned, outermost level first
   VCUTreeFilterDefBase* filter = nullptr;      // owned
   VCArray<VCUTreeSortDefBase*> sorting{10};    // owned, most significant first

@@ -1,7 +1,8 @@
 // The filter text of VCUTree: one brace level is read by a small state
-// machine, nested levels by recursion (at most kMaxFilterNesting deep).
+// machine, nested levels by recursion (at most the tree's maxFilterNesting deep).
 #include <utilkit/tree/tree.h>
 
+#include <algorithm>
 #include <memory>
 #include <new>
 
@@ -15,7 +16,6 @@
 namespace {
 
 constexpr char kParseLocation[] = "VCUTree::FilterParseBrace";
-constexpr int32_t kMaxFilterNesting = 256;
 
 enum class State { Start, Name, Operator, Value, Done };
 
@@ -75,6 +75,14 @@ char VCUTree::SetFilterOpsFromText(const char* text) {
   return m_pData->filter ? 1 : 0;
 }
 
+void VCUTree::SetMaxFilterNesting(int32_t levels) {
+  m_pData->maxFilterNesting = std::max(levels, 1);
+}
+
+int32_t VCUTree::GetMaxFilterNesting() const {
+  return m_pData->maxFilterNesting;
+}
+
 VCUTreeFilterDefBase* VCUTree::FilterParseBrace(const char** cursor, int32_t depth) {
   const char* p = *cursor;
   State state = State::Start;
@@ -88,7 +96,7 @@ VCUTreeFilterDefBase* VCUTree::FilterParseBrace(const char** cursor, int32_t dep
     if (*p == '\0') return fail(kTreeErrorMismatchedBraces);
     const char c = *p;
     if (c == '(') {
-      if (depth >= kMaxFilterNesting) return fail(kTreeErrorFilterSyntax);
+      if (depth >= m_pData->maxFilterNesting) return fail(kTreeErrorFilterSyntax);
       ++p;
       std::unique_ptr<VCUTreeFilterDefBase> nested(FilterParseBrace(&p, depth + 1));
       if (!nested) return nullptr;

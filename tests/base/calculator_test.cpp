@@ -487,6 +487,15 @@ TEST_F(CalculatorSyntax, DeepNestingIsRefusedNotOverflowed) {
   }
   // Ordinary depths are fine.
   EXPECT_EQ(Eval((std::string(60, '(') + "2" + std::string(60, ')') + "^2").c_str()), 4.0);
+  // A host may set another limit, which the message names.
+  VCCalculator calc;
+  calc.SetMaxNesting(300);
+  EXPECT_TRUE(calc.SetExpression((std::string(250, '(') + "1" + std::string(250, ')')).c_str()));
+  calc.SetMaxNesting(3);
+  VFErrorClear();
+  EXPECT_FALSE(calc.SetExpression("(((1)))"));
+  EXPECT_EQ(std::string(VFErrorGetMessage(VFGetUtLibError())),
+            Text(kCalcErrorTooDeep) + "more than 3 levels at position 4");
 }
 
 // Rows that cross several chunks and end in a partial one.

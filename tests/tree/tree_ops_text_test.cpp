@@ -132,6 +132,11 @@ TEST_F(TreeOpsText, NestingIsLimitedTo256Levels) {
   EXPECT_FALSE(tree.SetFilterOpsFromText(nested(257).c_str()));
   EXPECT_EQ(VFErrorGetCode(VFErrorGetLast()), kTreeErrorFilterSyntax);
   EXPECT_FALSE(tree.SetFilterOpsFromText(std::string(100000, '(').c_str()));
+  tree.SetMaxFilterNesting(300);
+  EXPECT_TRUE(tree.SetFilterOpsFromText(nested(300).c_str()));
+  EXPECT_FALSE(tree.SetFilterOpsFromText(nested(301).c_str()));
+  tree.SetMaxFilterNesting(2);
+  EXPECT_FALSE(tree.SetFilterOpsFromText(nested(3).c_str()));
 }
 
 }  // namespace

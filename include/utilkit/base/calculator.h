@@ -112,6 +112,14 @@ class UTILKIT_API VCCalculator {
   virtual bool ExecuteUserFunction(const char* name, const double* args, int32_t argCount,
                                    double* result);
 
+  // The deepest nesting of parentheses, unary operators, powers and calls
+  // that SetExpression accepts (default 100; deeper is -68441). Each level
+  // takes about 2 KB of the calling thread's stack in the parser, so raise
+  // it only as far as that stack allows. Values below 1 are taken as 1.
+  // Never fails.
+  void SetMaxNesting(int32_t levels);
+  int32_t GetMaxNesting() const;
+
   // Compiles `text` and resolves each distinct variable name once through
   // GetVariableId. Fails with -68440/-68441/-68442 on bad text (null is
   // empty text), -68443 on a refused name, -68436 without memory; after a

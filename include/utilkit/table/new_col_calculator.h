@@ -22,11 +22,12 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <unordered_map>
 
 #include <utilkit/base/calculator.h>
 #include <utilkit/base/export.h>
 #include <utilkit/base/vc_array.h>
-#include <utilkit/base/vc_string_array.h>
 #include <utilkit/table/table.h>
 
 class UTILKIT_API VCUNewColCalculator : public VCCalculator {
@@ -58,8 +59,9 @@ class UTILKIT_API VCUNewColCalculator : public VCCalculator {
  private:
   VCUTable* m_table = nullptr;
   int64_t m_row = 1;
-  VCStringArray m_valueNames;
+  // Names are found by their upper-case form; each list numbers its own.
+  std::unordered_map<std::string, int32_t> m_valueIds;
   VCArray<int32_t> m_valueCols;
-  VCStringArray m_statusNames;
+  std::unordered_map<std::string, int32_t> m_statusIds;
   VCArray<int32_t> m_statusCols;
 };

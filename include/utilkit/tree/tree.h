@@ -31,8 +31,8 @@
 // is no precedence: "((A=1)&(B=2))|(C=3)". A value is read as a date and
 // time, else a 64-bit integer, else a double, else text; it runs up to the
 // next "(" or ")", so "A=1 & B=2" is the single test A = "1 & B=2".
-// Parentheses nest at most 256 deep; deeper nesting is a syntax error, so
-// no text can exhaust the stack.
+// Parentheses nest at most 256 deep (SetMaxFilterNesting sets another);
+// deeper nesting is a syntax error, so no text can exhaust the stack.
 //
 // Texts are read as follows: operations are split at "." and modifiers at
 // "," with blanks around each piece removed and empty pieces dropped (so an
@@ -130,6 +130,12 @@ class UTILKIT_API VCUTree {
   char SetGroupOpsFromText(const char* text);
   char SetSortOpsFromText(const char* text);
   char SetFilterOpsFromText(const char* text);
+  // The deepest parentheses SetFilterOpsFromText accepts (default 256).
+  // Each level takes a few hundred bytes of the calling thread's stack, so
+  // raise it only as far as that stack allows; values below 1 are taken as
+  // 1. Never fails.
+  void SetMaxFilterNesting(int32_t levels);
+  int32_t GetMaxFilterNesting() const;
 
  private:
   struct Data;
