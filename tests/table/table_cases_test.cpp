@@ -2,13 +2,13 @@
 //
 // A case file holds cases, each opened by "=== title", with sections:
 //   [table NAME] or [table NAME@ROWS]   an input table as CSV (header cells
-//              `name`, `name:type`, `name:status`; see tools/table_csv.h),
+//              `name`, `name:type`, `name:status`; see tools/text/table_csv.h),
 //              whole or with the selected rows; tables are added in order
 //   [job]      one setting a line, as the options of `utilkit table`:
 //                all-columns
 //                columns: A,B
-//                filter: <filter text>      (see tools/table_filter_text.h)
-//                sort: Name,Time:desc       (the rest: tools/table_ops_text.h)
+//                filter: <filter text>      (see tools/text/table_filter_text.h)
+//                sort: Name,Time:desc       (the rest: tools/text/table_ops_text.h)
 //                category: Name:2
 //                compress: Channel:Peak:sum     (may repeat; run in order)
 //                new: Energy=#Peak# * 2         (may repeat)

@@ -1,7 +1,7 @@
 // Runs every case of the files under tests/data/tree/*.case.
 //
 // A case file holds cases, each opened by "=== title", with sections:
-//   [tree]     the source tree as indented text (tools/tree_text.h)
+//   [tree]     the source tree as indented text (tools/text/tree_text.h)
 //   [group] [filter] [sort]   an operation text, set when the section is
 //              present (an empty section sets the empty text)
 //   [recurse]  turns on recursion into children (no content)
