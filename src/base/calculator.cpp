@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include <utilkit/base/error_report.h>
 #include <utilkit/base/error_stack.h>
 #include <utilkit/base/text_table.h>
 
@@ -20,17 +21,10 @@ using utilkit::calc::Fault;
 
 namespace {
 
-// Pushes `code` with its text from the text table followed by `detail`.
-void PushError(int32_t code, const std::string& detail, const char* location, int32_t flag = 0) {
-  std::string message = VFTextGet(VFGetUtilKitText(), code);
-  message += detail;
-  VFErrorSet(code, message.c_str(), location, flag);
-}
-
 // Reports a failed run; a failing user function has pushed its own error.
 void PushFault(Fault fault, const char* location) {
-  if (fault == Fault::kDivideByZero) PushError(kCalcErrorDivideByZero, "", location);
-  if (fault == Fault::kLogOfZero) PushError(kCalcErrorLogOfZero, "", location);
+  if (fault == Fault::kDivideByZero) VFReportError(kCalcErrorDivideByZero, location);
+  if (fault == Fault::kLogOfZero) VFReportError(kCalcErrorLogOfZero, location);
 }
 
 }  // namespace
@@ -63,15 +57,15 @@ VCCalculator::VCCalculator() : m_impl(std::make_unique<Impl>()) {}
 VCCalculator::~VCCalculator() = default;
 
 bool VCCalculator::GetVariable(const char* name, double* value) {
-  PushError(kCalcErrorUnknownVariable, name ? name : "", "VCCalculator::GetVariable");
+  VFReportError(kCalcErrorUnknownVariable, "VCCalculator::GetVariable", name ? name : "");
   return false;
 }
 
 bool VCCalculator::GetVariableValue(int32_t id, double* value) {
   const auto& names = m_impl->lateNames;
   if (id < 0 || static_cast<size_t>(id) >= names.size()) {
-    PushError(kCalcErrorUnknownVariable, "identifier " + std::to_string(id),
-              "VCCalculator::GetVariableValue");
+    VFReportError(kCalcErrorUnknownVariable, "VCCalculator::GetVariableValue",
+                  ("identifier " + std::to_string(id)).c_str());
     return false;
   }
   return GetVariable(names[id].c_str(), value);
@@ -84,7 +78,7 @@ bool VCCalculator::GetVariableId(const char* name, int32_t* id) {
     if (added) names.emplace_back(name);
     *id = it->second;
   } catch (const std::bad_alloc&) {
-    PushError(kCalcErrorOutOfMemory, "", "VCCalculator::GetVariableId");
+    VFReportError(kCalcErrorOutOfMemory, "VCCalculator::GetVariableId");
     return false;
   }
   return true;
@@ -92,7 +86,7 @@ bool VCCalculator::GetVariableId(const char* name, int32_t* id) {
 
 bool VCCalculator::ExecuteUserFunction(const char* name, const double* args, int32_t argCount,
                                        double* result) {
-  PushError(kCalcErrorUnknownFunction, name, "VCCalculator::ExecuteUserFunction");
+  VFReportError(kCalcErrorUnknownFunction, "VCCalculator::ExecuteUserFunction", name);
   return false;
 }
 
@@ -113,7 +107,7 @@ bool VCCalculator::SetExpression(const char* text) {
     m.expression = text ? text : "";
     utilkit::calc::CompileError error;
     if (!utilkit::calc::Compile(m.expression, &m.program, &error, m.maxNesting)) {
-      PushError(error.code, error.detail, kWhere);
+      VFReportError(error.code, kWhere, error.detail.c_str());
       return false;
     }
     m.lateNames.clear();
@@ -128,8 +122,8 @@ bool VCCalculator::SetExpression(const char* text) {
       int32_t id = 0;
       if (!GetVariableId(names[reg].c_str(), &id)) {
         // A summary when the host said why.
-        PushError(kCalcErrorUnknownVariable, names[reg], kWhere,
-                  VFErrorGetCount() > errorsBefore ? 1 : 0);
+        VFReportError(kCalcErrorUnknownVariable, kWhere, names[reg].c_str(),
+                      VFErrorGetCount() > errorsBefore ? 1 : 0);
         return false;
       }
       const auto [slot, added] = slotOfId.try_emplace(id, static_cast<int32_t>(m.slots.size()));
@@ -145,7 +139,7 @@ bool VCCalculator::SetExpression(const char* text) {
     std::copy(m.program.constants.begin(), m.program.constants.end(),
               m.registers.begin() + m.program.FirstConstant());
   } catch (const std::bad_alloc&) {
-    PushError(kCalcErrorOutOfMemory, "", kWhere);
+    VFReportError(kCalcErrorOutOfMemory, kWhere);
     return false;
   }
   m.ready = true;
@@ -160,13 +154,13 @@ bool VCCalculator::EvaluateExpressionToDouble(double* result) {
   constexpr const char* kWhere = "VCCalculator::EvaluateExpressionToDouble";
   Impl& m = *m_impl;
   if (!m.ready) {
-    PushError(kCalcErrorNoExpression, "", kWhere);
+    VFReportError(kCalcErrorNoExpression, kWhere);
     return false;
   }
   double* registers = m.registers.data();
   for (const Impl::Slot& slot : m.slots) {
     if (!GetVariableValue(slot.id, registers + slot.reg)) {
-      PushError(kCalcErrorVariableValue, m.program.variables[slot.reg], kWhere, 1);
+      VFReportError(kCalcErrorVariableValue, kWhere, m.program.variables[slot.reg].c_str(), 1);
       return false;
     }
   }
@@ -186,7 +180,7 @@ bool VCCalculator::EvaluateBlock(const double* const* columns, size_t begin, siz
   Impl& m = *m_impl;
   if (failedRow) *failedRow = begin;
   if (!m.ready) {
-    PushError(kCalcErrorNoExpression, "", kWhere);
+    VFReportError(kCalcErrorNoExpression, kWhere);
     return false;
   }
   if (begin >= end) {
@@ -199,7 +193,7 @@ bool VCCalculator::EvaluateBlock(const double* const* columns, size_t begin, siz
       const Impl::Slot& slot = m.slots[m.slotOfRegister[reg]];
       const double* column = columns[m.slotOfRegister[reg]];
       if (!column) {
-        PushError(kCalcErrorNoColumn, m.program.variables[slot.reg], kWhere);
+        VFReportError(kCalcErrorNoColumn, kWhere, m.program.variables[slot.reg].c_str());
         return false;
       }
       assert(
@@ -211,7 +205,7 @@ bool VCCalculator::EvaluateBlock(const double* const* columns, size_t begin, siz
       m.blockPrepared = true;
     }
   } catch (const std::bad_alloc&) {
-    PushError(kCalcErrorOutOfMemory, "", kWhere);
+    VFReportError(kCalcErrorOutOfMemory, kWhere);
     return false;
   }
   size_t faultRow = end;

@@ -49,7 +49,7 @@ bool VCTextIo::ReadLine(VCString* line) {
       if (newline != std::string::npos) break;
     }
   } catch (const std::exception&) {
-    VFErrorSet(kVCIoErrorRead, VCString("Out of memory reading file: ") + m_file.GetPath(),
+    VFErrorSet(kErrorOutOfMemory, VCString("Out of memory reading file: ") + m_file.GetPath(),
                "VCTextIo::ReadLine", 0);
     return false;
   }

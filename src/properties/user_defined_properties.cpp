@@ -1,18 +1,12 @@
 #include <utilkit/properties/user_defined_properties.h>
 
-#include <utilkit/base/error_stack.h>
-#include <utilkit/base/text_table.h>
+#include <utilkit/base/error_report.h>
+#include <utilkit/properties/properties_errors.h>
 
 #include <cassert>
 #include <memory>
 
 namespace {
-
-void PushError(int32_t code, const char* suffix, const char* location) {
-  VCString message = VFTextGet(VFGetUtilKitText(), code);
-  message += suffix;
-  VFErrorSet(code, message, location, 0);
-}
 
 template <class P>
 bool CopyTyped(const R5Property& source, R5Property& target) {
@@ -67,7 +61,8 @@ bool VCUUserDefinedProperties::ValidateMandatoryInSet(R5PropertySet* set) const 
     if (!property || ((property->GetFlags() & R5Property::m_nMandatoryMask) &&
                       (!(property->GetFlags() & R5Property::m_nDefinedMask) ||
                        property->GetValueText().IsEmpty()))) {
-      PushError(-656169, name, "VCUUserDefinedProperties::ValidateMandatoryInSet");
+      VFReportError(kPropertiesErrorMandatory, "VCUUserDefinedProperties::ValidateMandatoryInSet",
+                    name);
       return false;
     }
   }
@@ -113,7 +108,7 @@ bool VCUUserDefinedProperties::CopyPropertyValue(const R5Property* source, R5Pro
   if (!source || !target) return false;
   constexpr const char* kLocation = "VCUUserDefinedProperties::CopyPropertyValue";
   if (source->GetType() != target->GetType()) {
-    PushError(-656170, "", kLocation);
+    VFReportError(kPropertiesErrorCopyTypes, kLocation);
     return false;
   }
   switch (source->GetType()) {
@@ -132,8 +127,8 @@ bool VCUUserDefinedProperties::CopyPropertyValue(const R5Property* source, R5Pro
     case R5PropertyType::kBoolean:
       return CopyTyped<R5BooleanProperty>(*source, *target);
     default:
-      PushError(-656171, VCString::Formatted("%d", static_cast<int32_t>(source->GetType())),
-                kLocation);
+      VFReportError(kPropertiesErrorType, kLocation,
+                    VCString::Formatted("%d", static_cast<int32_t>(source->GetType())));
       return false;
   }
 }

@@ -1,7 +1,9 @@
 // Reading a "Properties" definition into an R5PropertySet.
+#include <utilkit/base/error_report.h>
 #include <utilkit/base/error_stack.h>
 #include <utilkit/base/number_text.h>
 #include <utilkit/base/text_table.h>
+#include <utilkit/properties/properties_errors.h>
 #include <utilkit/properties/user_defined_properties.h>
 #include <utilkit/xml/dom.h>
 #include <utilkit/xml/xml_helper.h>
@@ -12,13 +14,6 @@
 namespace {
 
 constexpr const char* kLocation = "VCUUserDefinedProperties::DecodeUserPropDef";
-constexpr int32_t kSyntaxError = -656161;
-
-void PushError(int32_t code, const char* suffix, int32_t flag) {
-  VCString message = VFTextGet(VFGetUtilKitText(), code);
-  message += suffix;
-  VFErrorSet(code, message, kLocation, flag);
-}
 
 // Reads an optional attribute; false, with nothing pushed, when it is absent.
 bool ReadOptional(const DOM_Element& element, const char* name, VCString* value) {
@@ -36,7 +31,7 @@ struct Bound {
 bool ReadBound(const DOM_Element& element, const char* name, int32_t code, Bound* bound) {
   bound->present = ReadOptional(element, name, &bound->text);
   if (bound->present && (!VFAscToNum(bound->text, &bound->value) || std::isnan(bound->value))) {
-    PushError(code, "", 0);
+    VFReportError(code, kLocation);
     return false;
   }
   return true;
@@ -45,7 +40,7 @@ bool ReadBound(const DOM_Element& element, const char* name, int32_t code, Bound
 bool ReadAllowEqual(const DOM_Element& element, const char* name, int32_t code, Bound* bound) {
   VCString text;
   if (ReadOptional(element, name, &text) && !VFAscToBoolean(text, &bound->allowEqual)) {
-    PushError(code, "", 0);
+    VFReportError(code, kLocation);
     return false;
   }
   return true;
@@ -97,7 +92,7 @@ R5Property* AddEnumeration(const DOM_Element& element, const VCString& name, R5P
   bool valid = pieces.GetSize() >= 1;
   for (const VCString& piece : pieces) valid = valid && enumeration.Add(R5EnumValue(piece));
   if (!valid) {
-    PushError(-656166, "", 0);
+    VFReportError(kPropertiesErrorEnumOpts, kLocation);
     return nullptr;
   }
   return set.AddEnum(enumeration);
@@ -117,7 +112,7 @@ R5Property* CreateProperty(const DOM_Element& element, const VCString& name, con
   if (type == "double") return Ranged(set.AddDouble(name, 0), min, max);
   if (type == "enum") return AddEnumeration(element, name, set);
   if (type == "boolean") return set.AddBoolean(name, false);
-  PushError(-656168, type, 0);
+  VFReportError(kPropertiesErrorUnsupportedType, kLocation, type);
   return nullptr;
 }
 
@@ -131,9 +126,10 @@ bool DecodeProperty(const DOM_Element& element, R5PropertySet& set) {
   ReadOptional(element, "mandatory", &mandatory);
   Bound min;
   Bound max;
-  if (!ReadBound(element, "min", -656162, &min) || !ReadBound(element, "max", -656163, &max) ||
-      !ReadAllowEqual(element, "minallowequal", -656164, &min) ||
-      !ReadAllowEqual(element, "maxallowequal", -656165, &max)) {
+  if (!ReadBound(element, "min", kPropertiesErrorMin, &min) ||
+      !ReadBound(element, "max", kPropertiesErrorMax, &max) ||
+      !ReadAllowEqual(element, "minallowequal", kPropertiesErrorMinAllowEqual, &min) ||
+      !ReadAllowEqual(element, "maxallowequal", kPropertiesErrorMaxAllowEqual, &max)) {
     return false;
   }
   type.MakeLower();
@@ -157,7 +153,7 @@ bool VCUUserDefinedProperties::DecodeUserPropDef(const DOM_Node& root, R5Propert
                                    ? DOM_Document(root).getDocumentElement()
                                    : root);
   if (properties.isNull() || !(properties.getTagName() == DOMString("Properties"))) {
-    PushError(kSyntaxError, "", 0);
+    VFReportError(kPropertiesErrorSyntax, kLocation);
     return false;
   }
   // Children are walked by sibling: a node list read by index rescans from its start.
@@ -165,7 +161,7 @@ bool VCUUserDefinedProperties::DecodeUserPropDef(const DOM_Node& root, R5Propert
     const DOM_Element child(node);
     if (child.isNull() || !(child.getTagName() == DOMString("Property"))) continue;
     if (!DecodeProperty(child, set)) {
-      PushError(kSyntaxError, "", 1);
+      VFReportError(kPropertiesErrorSyntax, kLocation, nullptr, 1);
       return false;
     }
   }
@@ -181,7 +177,7 @@ bool VCUUserDefinedProperties::DecodeUserPropDef(const VCString& text, R5Propert
   const DOM_Document document = VCUXmlHelper::ParseXml(text, text.GetLength());
   if (document.isNull()) {
     set.Clear();
-    PushError(kSyntaxError, "", 1);
+    VFReportError(kPropertiesErrorSyntax, kLocation, nullptr, 1);
     return false;
   }
   return DecodeUserPropDef(document.getDocumentElement(), set);

@@ -7,8 +7,7 @@
 
 #include <utilkit/base/error_stack.h>
 #include <utilkit/base/vc_array.h>
-
-#include "table/table_errors.h"
+#include <utilkit/table/table_errors.h>
 
 // One column of a memory table.
 struct VCUTableMemory_Col {
@@ -50,12 +49,10 @@ struct VCUTableMemory::Impl {
 
 namespace {
 
-using utilkit::table::FailMemory;
-
 constexpr const char* kGetValues = "VCUTableMemory::GetValues";
 
 bool Refuse(const char* message, const char* location) {
-  VFErrorSet(1, message, location, 0);
+  VFErrorSet(kTableErrorRead, message, location, 0);
   return false;
 }
 
@@ -125,12 +122,12 @@ static void AddColumn(std::vector<std::unique_ptr<VCUTableMemory_Col>>& cols, co
     col->keyword = keyword;
     col->type = type;
     if (!fill(*col)) {
-      FailMemory("VCUTableMemory::AddCol");
+      VFReportError(kTableErrorOutOfMemory, "VCUTableMemory::AddCol");
       return;
     }
     cols.push_back(std::move(col));
   } catch (...) {
-    FailMemory("VCUTableMemory::AddCol");
+    VFReportError(kTableErrorOutOfMemory, "VCUTableMemory::AddCol");
   }
 }
 
@@ -206,7 +203,8 @@ void VCUTableMemory::AddCol(const char* keyword, int32_t nOptions, const int32_t
 void VCUTableMemory::SetColStatus(const char* keyword, int32_t n, const uint16_t* status) {
   VCUTableMemory_Col* col = m_impl->Find(keyword);
   if (col == nullptr || n <= 0 || status == nullptr) return;
-  if (!col->status.Append(status, n)) FailMemory("VCUTableMemory::SetColStatus");
+  if (!col->status.Append(status, n))
+    VFReportError(kTableErrorOutOfMemory, "VCUTableMemory::SetColStatus");
 }
 
 void VCUTableMemory::SetColStatusBitText(const char* keyword, const VCStringArray& texts) {
@@ -215,7 +213,7 @@ void VCUTableMemory::SetColStatusBitText(const char* keyword, const VCStringArra
   try {
     col->statusBitTexts = texts;
   } catch (...) {
-    FailMemory("VCUTableMemory::SetColStatusBitText");
+    VFReportError(kTableErrorOutOfMemory, "VCUTableMemory::SetColStatusBitText");
   }
 }
 
@@ -223,7 +221,7 @@ void VCUTableMemory::SetColStatusBitText(const char* keyword, const VCStringArra
 static VCUTableMemory_Col* ColumnAt(const std::vector<std::unique_ptr<VCUTableMemory_Col>>& cols,
                                     int32_t col, const char* location) {
   if (col < 0 || static_cast<size_t>(col) >= cols.size()) {
-    Refuse("Invalid column index", location);
+    Refuse(kTableTextColumnIndex, location);
     return nullptr;
   }
   return cols[static_cast<size_t>(col)].get();
@@ -292,7 +290,7 @@ bool VCUTableMemory::GetStatusColBitText(int32_t col, VCStringArray* texts) {
   try {
     *texts = c->statusBitTexts;
   } catch (...) {
-    return FailMemory("VCUTableMemory::GetStatusColBitText");
+    return VFReportError(kTableErrorOutOfMemory, "VCUTableMemory::GetStatusColBitText");
   }
   return true;
 }
@@ -305,7 +303,7 @@ bool VCUTableMemory::GetEnumColOptions(int32_t col, VCArrayWithSort<int32_t>* co
     *codes = c->optionCodes;
     *names = c->optionNames;
   } catch (...) {
-    return FailMemory("VCUTableMemory::GetEnumColOptions");
+    return VFReportError(kTableErrorOutOfMemory, "VCUTableMemory::GetEnumColOptions");
   }
   return true;
 }
@@ -319,16 +317,15 @@ static const VCUTableMemory_Col* CheckRead(
   if (c == nullptr) return nullptr;
   const int64_t length = c->Length();
   if (first < 1 || first > length) {
-    Refuse("Invalid row number", kGetValues);
+    Refuse(kTableTextRowNumber, kGetValues);
     return nullptr;
   }
   if (count < 0 || count > length - first + 1) {
-    Refuse("Invalid number of rows to read", kGetValues);
+    Refuse(kTableTextRowCount, kGetValues);
     return nullptr;
   }
   if (type == VTTableDataType::None ? c->status.IsEmpty() : c->type != type) {
-    Refuse(type == VTTableDataType::None ? "Column has no status data" : "Column type mismatch",
-           kGetValues);
+    Refuse(type == VTTableDataType::None ? kTableTextNoStatus : kTableTextTypeMismatch, kGetValues);
     return nullptr;
   }
   return c;
@@ -395,7 +392,7 @@ static bool CopyTexts(const VCUTableMemory_Col& c, int64_t first, int64_t count,
   try {
     for (int64_t i = 0; i < count; ++i) out[i] = c.Text(first - 1 + i);
   } catch (...) {
-    return FailMemory(kGetValues);
+    return VFReportError(kTableErrorOutOfMemory, kGetValues);
   }
   return true;
 }
@@ -408,7 +405,8 @@ bool VCUTableMemory::GetValues_T(int32_t col, int64_t first, int64_t count, VCSt
 bool VCUTableMemory::GetValues_T(int32_t col, int64_t first, int64_t count, VCStringArray* out) {
   const VCUTableMemory_Col* c = CheckRead(m_impl->cols, col, first, count, VTTableDataType::Text);
   if (c == nullptr) return false;
-  if (!out->SetSize(static_cast<int32_t>(count), 10)) return FailMemory(kGetValues);
+  if (!out->SetSize(static_cast<int32_t>(count), 10))
+    return VFReportError(kTableErrorOutOfMemory, kGetValues);
   return CopyTexts(*c, first, count, out->GetData());
 }
 
@@ -420,11 +418,12 @@ bool VCUTableMemory::GetValues_E(int32_t col, int64_t first, int64_t count, int3
   if (count > 0) std::memcpy(codes, values, sizeof(int32_t) * count);
   if (names == nullptr) return true;
   try {
-    if (!names->SetSize(static_cast<int32_t>(count), 10)) return FailMemory(kGetValues);
+    if (!names->SetSize(static_cast<int32_t>(count), 10))
+      return VFReportError(kTableErrorOutOfMemory, kGetValues);
     for (int64_t i = 0; i < count; ++i)
       (*names)[static_cast<int32_t>(i)] = c->OptionName(values[i]);
   } catch (...) {
-    return FailMemory(kGetValues);
+    return VFReportError(kTableErrorOutOfMemory, kGetValues);
   }
   return true;
 }

@@ -7,6 +7,8 @@
 // the result and the error of a cell-by-cell read.
 #pragma once
 
+#include <utilkit/table/table_errors.h>
+
 #include <algorithm>
 #include <bit>
 #include <cassert>
@@ -16,8 +18,8 @@
 #include <utility>
 #include <vector>
 
+#include "table/error_mark.h"
 #include "table/processor_state.h"
-#include "table/table_errors.h"
 
 namespace utilkit::table {
 
@@ -93,7 +95,7 @@ template <class Cells>
 bool ReadRun(VCUTableProcessorState& s, const MergedColumn& mc, const char* location, int32_t table,
              int64_t row, int64_t count, const Cells& cells, int64_t at) {
   if (static_cast<size_t>(table) >= s.inputs.size() || table >= mc.index.GetSize()) {
-    return Fail(-655975, location);
+    return VFReportError(kTableErrorRowNumber, location);
   }
   const int32_t col = mc.index[table];
   if (col < 0) {
@@ -117,11 +119,11 @@ bool ReadRun(VCUTableProcessorState& s, const MergedColumn& mc, const char* loca
   return true;
 }
 
-// -655975 unless merged rows first..first+count-1 exist (count >= 0).
+// kTableErrorRowNumber unless merged rows first..first+count-1 exist (count >= 0).
 inline bool CheckMergedRows(const VCUTableProcessorState& s, const char* location, int64_t first,
                             int64_t count) {
   if (first < 1 || count < 0 || count > s.rowMap.Size() - first + 1) {
-    return Fail(-655975, location);
+    return VFReportError(kTableErrorRowNumber, location);
   }
   return true;
 }

@@ -3,9 +3,7 @@
 #include <cstring>
 #include <new>
 
-#include "table/table_errors.h"
-
-using namespace utilkit::table;
+#include <utilkit/table/table_errors.h>
 
 namespace {
 
@@ -31,7 +29,7 @@ bool VCUNewColCalculator::GetVariableValue(int32_t id, double* value) {
   int32_t col = -1;
   bool status = false;
   if (m_table == nullptr || !GetColumnOfId(id, &col, &status)) {
-    return Fail(-655974, "VCUNewColCalculator::GetVariableValue");
+    return VFReportError(kTableErrorColumnIndex, "VCUNewColCalculator::GetVariableValue");
   }
   if (!status) return m_table->GetValues_D(col, m_row, 1, value);
   uint16_t word = 0;
@@ -62,11 +60,11 @@ bool VCUNewColCalculator::GetVariableId(const char* name, int32_t* id) {
     int32_t col = -1;
     if (!m_table->GetColIndexFromKeyword(keyword, &col)) return false;
     const int32_t at = cols.Add(col);
-    if (at < 0) return FailMemory("VCUNewColCalculator::GetVariableId");
+    if (at < 0) return VFReportError(kTableErrorOutOfMemory, "VCUNewColCalculator::GetVariableId");
     ids.emplace(key, at);
     *id = base + at;
   } catch (const std::bad_alloc&) {
-    return FailMemory("VCUNewColCalculator::GetVariableId");
+    return VFReportError(kTableErrorOutOfMemory, "VCUNewColCalculator::GetVariableId");
   }
   return true;
 }

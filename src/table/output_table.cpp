@@ -12,14 +12,14 @@ using namespace utilkit::table;
 
 namespace {
 
-// Output column `col` once resolved by Validate, or null after -655974.
+// Output column `col` once resolved by Validate, or null after kTableErrorColumnIndex.
 const OutputColumn* OutputAt(const VCUTableProcessorState& s, int32_t col, const char* location) {
   const OutputColumn* c = col >= 0 && static_cast<size_t>(col) < s.outputCols.size()
                               ? &s.outputCols[static_cast<size_t>(col)]
                               : nullptr;
   if (c == nullptr || !c->resolved ||
       (c->computed == nullptr && static_cast<size_t>(c->merged) >= s.merged.size())) {
-    Fail(-655974, location);
+    VFReportError(kTableErrorColumnIndex, location);
     return nullptr;
   }
   return c;
@@ -28,18 +28,18 @@ const OutputColumn* OutputAt(const VCUTableProcessorState& s, int32_t col, const
 // A computed column read with a reader of another type, or for a status it
 // does not have: the refusal a table gives.
 bool Refuse(const char* location, bool status = false) {
-  VFErrorSet(1, status ? "Column has no status data" : "Column type mismatch", location, 0);
+  VFErrorSet(kTableErrorRead, status ? kTableTextNoStatus : kTableTextTypeMismatch, location, 0);
   return false;
 }
 
 // Output rows read at a time, at most.
 constexpr int64_t kChunk = 65536;
 
-// -655975 unless output rows first..first+count-1 exist (count >= 0).
+// kTableErrorRowNumber unless output rows first..first+count-1 exist (count >= 0).
 bool CheckOutputRows(const VCUTableProcessorState& s, const char* location, int64_t first,
                      int64_t count) {
   if (first < 1 || count < 0 || count > s.outputRows.GetSize() - first + 1) {
-    return Fail(-655975, location);
+    return VFReportError(kTableErrorRowNumber, location);
   }
   return true;
 }
@@ -96,11 +96,12 @@ bool ReadIntoArray(VCUTableProcessorState& s, const char* location, int32_t col,
   if (c == nullptr || !CheckOutputRows(s, location, first, count)) return false;
   if (c->computed) return Refuse(location);
   try {
-    if (names && !names->SetSize(static_cast<int32_t>(count), 10)) return FailMemory(location);
+    if (names && !names->SetSize(static_cast<int32_t>(count), 10))
+      return VFReportError(kTableErrorOutOfMemory, location);
     return Read(s, location, col, first, count,
                 TextOrEnumCells{names ? names->GetData() : nullptr, codes});
   } catch (...) {
-    return FailMemory(location);
+    return VFReportError(kTableErrorOutOfMemory, location);
   }
 }
 
@@ -215,7 +216,7 @@ bool VCUOutputTable::GetValues_T(int32_t col, int64_t first, int64_t count, VCSt
   try {
     return Read(*m_state, kLocation, col, first, count, TextOrEnumCells{out, nullptr});
   } catch (...) {
-    return FailMemory(kLocation);
+    return VFReportError(kTableErrorOutOfMemory, kLocation);
   }
 }
 

@@ -5,10 +5,10 @@
 #include <unordered_set>
 
 #include <utilkit/base/error_stack.h>
+#include <utilkit/table/table_errors.h>
 #include <utilkit/table/table_processor.h>
 
 #include "table/processor_state.h"
-#include "table/table_errors.h"
 
 using namespace utilkit::table;
 
@@ -100,7 +100,8 @@ bool VCUTableProcessor::CollectColumns(VCArray<VCString>* keywords,
                       ? CollectCommon(inputs, m_state->keywordIndex, keywords, types)
                       : CollectAll(inputs, keywords, types);
   // A failed read has pushed its error; a failed Add has not.
-  if (!ok && VFErrorGetCount() == records) return FailMemory("VCUTableProcessor::CollectColumns");
+  if (!ok && VFErrorGetCount() == records)
+    return VFReportError(kTableErrorOutOfMemory, "VCUTableProcessor::CollectColumns");
   return ok;
 }
 
@@ -108,7 +109,7 @@ bool VCUTableProcessor::GetColIndeces(const char* keyword, VCArray<int32_t>* ind
                                       VCArray<char>* hasStatus, VTTableDataType* type) {
   static constexpr const char* kLocation = "VCUTableProcessor::GetColIndeces";
   const char* wanted = keyword ? keyword : "";
-  if (m_state->inputs.empty()) return Fail(-655971, kLocation);
+  if (m_state->inputs.empty()) return VFReportError(kTableErrorNoInputTables, kLocation);
   indices->RemoveAll();
   hasStatus->RemoveAll();
   *type = VTTableDataType::None;
@@ -121,7 +122,8 @@ bool VCUTableProcessor::GetColIndeces(const char* keyword, VCArray<int32_t>* ind
     if (!keywordIndex.empty()) {
       FindColumn(*table, wanted, &index, &keywordIndex[t]);
       if (index < 0 && m_state->commonColumns) {
-        return Fail(-655968, "VCUTable::GetColIndexFromKeyword", wanted);  // as the table says
+        return VFReportError(kTableErrorColumnNotFound, "VCUTable::GetColIndexFromKeyword",
+                             wanted);  // as the table says
       }
     } else if (m_state->commonColumns ? !table->GetColIndexFromKeyword(wanted, &index)
                                       : !FindColumn(*table, wanted, &index)) {
@@ -132,13 +134,15 @@ bool VCUTableProcessor::GetColIndeces(const char* keyword, VCArray<int32_t>* ind
       if (!table->GetColHasStatus(index, &status) || !table->GetColType(index, &colType)) {
         return false;
       }
-      if (found && colType != *type) return Fail(-655969, kLocation, wanted);
+      if (found && colType != *type)
+        return VFReportError(kTableErrorColumnTypesDiffer, kLocation, wanted);
       *type = colType;
       found = true;
     }
-    if (indices->Add(index) < 0 || hasStatus->Add(status) < 0) return FailMemory(kLocation);
+    if (indices->Add(index) < 0 || hasStatus->Add(status) < 0)
+      return VFReportError(kTableErrorOutOfMemory, kLocation);
   }
-  return found || Fail(-655968, kLocation, wanted);
+  return found || VFReportError(kTableErrorColumnNotFound, kLocation, wanted);
 }
 
 bool VFBuildKeywordIndex(VCUTableProcessorState* state) {
@@ -157,7 +161,7 @@ bool VFBuildKeywordIndex(VCUTableProcessorState* state) {
     }
   } catch (...) {
     s.keywordIndex.clear();
-    return FailMemory("VCUTableProcessor::CollectColumns");
+    return VFReportError(kTableErrorOutOfMemory, "VCUTableProcessor::CollectColumns");
   }
   return true;
 }

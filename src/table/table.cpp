@@ -5,10 +5,7 @@
 #include <utilkit/base/error_stack.h>
 #include <utilkit/base/vc_io.h>
 #include <utilkit/base/vc_text_io.h>
-
-#include "table/table_errors.h"
-
-using utilkit::table::Fail;
+#include <utilkit/table/table_errors.h>
 
 namespace {
 
@@ -95,7 +92,7 @@ bool VCUTable::GetValue(int32_t col, int64_t row, VCVariant* value, VTTableDataT
       return true;
     }
     default:
-      return Fail(-655990, "VCUTable::GetValue");
+      return VFReportError(kTableErrorColumnType, "VCUTable::GetValue");
   }
 }
 
@@ -123,14 +120,14 @@ bool VCUTable::GetColIndexFromKeyword(const char* keyword, int32_t* index) {
       return true;
     }
   }
-  return Fail(-655968, "VCUTable::GetColIndexFromKeyword", wanted);
+  return VFReportError(kTableErrorColumnNotFound, "VCUTable::GetColIndexFromKeyword", wanted);
 }
 
 void VCUTable::DumpTableToScreen() {
   try {
     DumpToScreen();
   } catch (...) {
-    utilkit::table::FailMemory("VCUTable::DumpTableToScreen");
+    VFReportError(kTableErrorOutOfMemory, "VCUTable::DumpTableToScreen");
     std::printf("Failed VCUTable::DumpTableToScreen. Error message:\n%s\n",
                 VFErrorGetFullString().c_str());
   }
@@ -168,7 +165,7 @@ bool VCUTable::DumpTableToFile(const char* path) {
   try {
     return DumpToFile(path);
   } catch (...) {
-    return utilkit::table::FailMemory("VCUTable::DumpTableToFile");
+    return VFReportError(kTableErrorOutOfMemory, "VCUTable::DumpTableToFile");
   }
 }
 

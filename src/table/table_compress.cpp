@@ -5,10 +5,11 @@
 #include <string>
 #include <vector>
 
+#include <utilkit/table/table_errors.h>
+
 #include "table/column_keys.h"
 #include "table/group_index.h"
 #include "table/row_chunks.h"
-#include "table/table_errors.h"
 
 using namespace utilkit::table;
 
@@ -78,7 +79,7 @@ VCUTableCompress::~VCUTableCompress() = default;
 
 bool VCUTableCompress::AddSearchColumn(const char* keyword) {
   return m_impl->searchKeywords.Add(VCString(keyword)) >= 0 ||
-         FailMemory("VCUTableCompress::AddSearchColumn");
+         VFReportError(kTableErrorOutOfMemory, "VCUTableCompress::AddSearchColumn");
 }
 
 bool VCUTableCompress::ClearSearchColumns() {
@@ -101,7 +102,8 @@ VCString VCUTableCompress::GetSelectColumn() const {
 
 bool VCUTableCompress::SetSelectType(VTCompressType type) {
   const auto value = static_cast<int32_t>(type);
-  if (value < 0 || value > 2) return Fail(-655980, "VCUTableCompress::SetSelectType");
+  if (value < 0 || value > 2)
+    return VFReportError(kTableErrorSelectionType, "VCUTableCompress::SetSelectType");
   m_impl->type = type;
   return true;
 }
@@ -113,8 +115,9 @@ VTCompressType VCUTableCompress::GetSelectType() const {
 bool VCUTableCompress::Validate(VCUTableData* data) {
   Impl& s = *m_impl;
   auto bind = [&] {
-    if (s.searchKeywords.GetSize() == 0) return Fail(-655981, kValidate);
-    if (s.selectKeyword.IsEmpty()) return Fail(-655982, kValidate);
+    if (s.searchKeywords.GetSize() == 0)
+      return VFReportError(kTableErrorNoSearchColumns, kValidate);
+    if (s.selectKeyword.IsEmpty()) return VFReportError(kTableErrorNoSelectColumn, kValidate);
     const auto n = static_cast<size_t>(s.searchKeywords.GetSize());
     s.searchIndex.assign(n, -1);
     s.searchType.assign(n, VTTableDataType::None);
@@ -132,12 +135,12 @@ bool VCUTableCompress::Validate(VCUTableData* data) {
     }
     // The sum is written back through a writable column, which must be Double.
     if (s.type == VTCompressType::Sum && s.selectType != VTTableDataType::Double) {
-      return Fail(-656000, kValidate);
+      return VFReportError(kTableErrorWritableType, kValidate);
     }
     return true;
   };
   if (bind()) return true;
-  return Fail(-655983, kValidate, nullptr, 1);
+  return VFReportError(kTableErrorCompression, kValidate, nullptr, 1);
 }
 
 bool VCUTableCompress::DoCompress(VCUTableData* data, VCDataArray<int32_t>& rows) {
@@ -148,11 +151,11 @@ bool VCUTableCompress::DoCompress(VCUTableData* data, VCDataArray<int32_t>& rows
   try {
     ok = rows.GetSize() == 0 || Compress();
   } catch (...) {
-    Fail(-655998, kDoCompress);
+    VFReportError(kTableErrorBufferSize, kDoCompress);
   }
   s.data = nullptr;
   s.rows = nullptr;
-  if (!ok) return Fail(-655985, kDoCompress, nullptr, 1);
+  if (!ok) return VFReportError(kTableErrorCompressionFailed, kDoCompress, nullptr, 1);
   return true;
 }
 
@@ -222,7 +225,8 @@ bool VCUTableCompress::Compress() {
                 data.GetStatusValues(s.selectIndex, first, m, status.data() + at));
       });
     } else if (textSelect) {
-      if (!texts.SetSize(static_cast<int32_t>(count))) return FailMemory(kDoCompress);
+      if (!texts.SetSize(static_cast<int32_t>(count)))
+        return VFReportError(kTableErrorOutOfMemory, kDoCompress);
       read = ForEachRowRun(chunk, 0, count, kChunk, [&](int64_t first, int64_t m, int64_t at) {
         return data.GetValues_T(s.selectIndex, first, m, texts.GetData() + at);
       });

@@ -6,10 +6,10 @@ using namespace utilkit::table;
 
 namespace {
 
-// The merged column `col`, or null after -655974 at `location`.
+// The merged column `col`, or null after kTableErrorColumnIndex at `location`.
 MergedColumn* Column(VCUTableProcessorState& s, int32_t col, const char* location) {
   if (col < 0 || static_cast<size_t>(col) >= s.merged.size()) {
-    Fail(-655974, location);
+    VFReportError(kTableErrorColumnIndex, location);
     return nullptr;
   }
   return &s.merged[static_cast<size_t>(col)];
@@ -26,11 +26,12 @@ bool ReadIntoArray(VCUTableProcessorState& s, const char* location, int32_t col,
                    int64_t count, int32_t* codes, VCStringArray* names) {
   if (!Column(s, col, location) || !CheckMergedRows(s, location, first, count)) return false;
   try {
-    if (names && !names->SetSize(static_cast<int32_t>(count), 10)) return FailMemory(location);
+    if (names && !names->SetSize(static_cast<int32_t>(count), 10))
+      return VFReportError(kTableErrorOutOfMemory, location);
     return ReadMergedCells(s, location, col, first, count,
                            TextOrEnumCells{names ? names->GetData() : nullptr, codes});
   } catch (...) {
-    return FailMemory(location);
+    return VFReportError(kTableErrorOutOfMemory, location);
   }
 }
 
@@ -55,7 +56,7 @@ bool ResetWritable(VCUTableProcessorState& s, MergedColumn& mc, const char* loca
     mc.writtenBits.assign(static_cast<size_t>((s.rowMap.Size() + 63) / 64), 0);
   } catch (...) {
     mc.writable = false;
-    return FailMemory(location);
+    return VFReportError(kTableErrorOutOfMemory, location);
   }
   mc.writable = true;
   return true;
@@ -69,7 +70,7 @@ bool VCUTableData::SetColWritable(int32_t col) {
   static constexpr const char* kLocation = "VCUTableData::SetColWritable";
   MergedColumn* mc = Column(*m_state, col, kLocation);
   if (mc == nullptr) return false;
-  if (mc->type != VTTableDataType::Double) return Fail(-656000, kLocation);
+  if (mc->type != VTTableDataType::Double) return VFReportError(kTableErrorWritableType, kLocation);
   return mc->writable || ResetWritable(*m_state, *mc, kLocation);
 }
 
@@ -84,7 +85,8 @@ static bool WriteCell(VCUTableProcessorState& s, int32_t col, int64_t row, doubl
                       uint16_t statusWord, bool status, const char* location) {
   MergedColumn* mc = Column(s, col, location);
   if (mc == nullptr) return false;
-  if (!mc->writable || (status && !mc->anyStatus)) return Fail(-656001, location);
+  if (!mc->writable || (status && !mc->anyStatus))
+    return VFReportError(kTableErrorNotWritable, location);
   if (!CheckMergedRows(s, location, row, 1)) return false;
   try {
     WrittenCell& cell = mc->written[row];
@@ -96,7 +98,7 @@ static bool WriteCell(VCUTableProcessorState& s, int32_t col, int64_t row, doubl
       cell.hasValue = true;
     }
   } catch (...) {
-    return FailMemory(location);
+    return VFReportError(kTableErrorOutOfMemory, location);
   }
   mc->writtenBits[static_cast<size_t>((row - 1) >> 6)] |= uint64_t{1} << ((row - 1) & 63);
   return true;
@@ -210,7 +212,7 @@ bool VCUTableData::GetValues_T(int32_t col, int64_t first, int64_t count, VCStri
   try {
     return Read(*m_state, kLocation, col, first, count, TextOrEnumCells{out, nullptr});
   } catch (...) {
-    return FailMemory(kLocation);
+    return VFReportError(kTableErrorOutOfMemory, kLocation);
   }
 }
 

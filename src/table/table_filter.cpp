@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "table/table_errors.h"
+#include <utilkit/table/table_errors.h>
 
 VCUTableOperation::~VCUTableOperation() = default;
 
@@ -27,7 +27,7 @@ bool VCUTableFilter::CheckRange(VCUTable* table, int64_t first, int32_t count, i
   try {
     rows.resize(static_cast<size_t>(std::max(count, 0)));
   } catch (...) {
-    return utilkit::table::FailMemory("VCUTableFilter::CheckRange");
+    return VFReportError(kTableErrorOutOfMemory, "VCUTableFilter::CheckRange");
   }
   for (int32_t i = 0; i < count; ++i)
     rows[static_cast<size_t>(i)] = static_cast<int32_t>(first + i);

@@ -7,12 +7,11 @@
 
 #include <utilkit/base/vc_array_with_sort.h>
 #include <utilkit/base/vc_string_array.h>
+#include <utilkit/table/table_errors.h>
 
-#include "table/table_errors.h"
+#include "table/error_mark.h"
 
 using utilkit::table::ErrorMark;
-using utilkit::table::Fail;
-using utilkit::table::FailMemory;
 
 #if defined(_MSC_VER)
 #define UTILKIT_TABLE_NOINLINE __declspec(noinline)
@@ -185,7 +184,7 @@ bool VCUTableFilterBasic::SetColumnKeyword(const char* keyword) {
 
 bool VCUTableFilterBasic::SetCompare(VTTableFilterCompare compare) {
   if (compare < VTTableFilterCompare::Equal || compare > VTTableFilterCompare::EndsWith) {
-    return Fail(-655966, "VCUTableFilterBasic::SetCompare");
+    return VFReportError(kTableErrorComparison, "VCUTableFilterBasic::SetCompare");
   }
   m_record->compare = compare;
   return true;
@@ -212,7 +211,7 @@ bool VCUTableFilterBasic::Validate(VCUTable* table) {
   if (!table->GetColIndexFromKeyword(r.keyword, &r.col)) return false;
   if (!table->GetColType(r.col, &r.type)) return false;
   if (r.compare >= VTTableFilterCompare::Contains && r.type != VTTableDataType::Text) {
-    return Fail(-655997, kLocation);
+    return VFReportError(kTableErrorStringFilter, kLocation);
   }
   try {
     switch (r.type) {
@@ -249,10 +248,10 @@ bool VCUTableFilterBasic::Validate(VCUTable* table) {
         return true;
       }
       default:
-        return Fail(-655970, kLocation);
+        return VFReportError(kTableErrorFilterColumnType, kLocation);
     }
   } catch (...) {
-    return FailMemory(kLocation);
+    return VFReportError(kTableErrorOutOfMemory, kLocation);
   }
 }
 
@@ -329,7 +328,7 @@ bool VCUTableFilterBasic::CheckRow(VCUTable* table, int64_t row, char* pass) {
     *pass = result;
     return true;
   } catch (...) {
-    return FailMemory("VCUTableFilterBasic::CheckRow");
+    return VFReportError(kTableErrorOutOfMemory, "VCUTableFilterBasic::CheckRow");
   }
 }
 
@@ -359,7 +358,7 @@ bool VCUTableFilterBasic::CheckRange(VCUTable* table, int64_t first, int32_t cou
     }
     return true;
   } catch (...) {
-    return FailMemory("VCUTableFilterBasic::CheckRange");
+    return VFReportError(kTableErrorOutOfMemory, "VCUTableFilterBasic::CheckRange");
   }
 }
 
@@ -409,6 +408,6 @@ bool VCUTableFilterBasic::CheckRows(VCUTable* table, const int32_t* rows, int32_
     }
     return true;
   } catch (...) {
-    return FailMemory("VCUTableFilterBasic::CheckRows");
+    return VFReportError(kTableErrorOutOfMemory, "VCUTableFilterBasic::CheckRows");
   }
 }

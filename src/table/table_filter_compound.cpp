@@ -2,11 +2,11 @@
 #include <utilkit/table/table_filter_compound.h>
 #include <utilkit/table/table_filter_or.h>
 
-#include "table/table_errors.h"
+#include <utilkit/table/table_errors.h>
+
+#include "table/error_mark.h"
 
 using utilkit::table::ErrorMark;
-using utilkit::table::Fail;
-using utilkit::table::FailMemory;
 
 VCUTableFilterCompound::VCUTableFilterCompound(char settles, int32_t missingCode,
                                                const char* location)
@@ -24,13 +24,13 @@ bool VCUTableFilterCompound::SetFilters(VCUTableFilter* first, VCUTableFilter* s
 }
 
 bool VCUTableFilterCompound::Validate(VCUTable* table) {
-  if (m_first == nullptr || m_second == nullptr) return Fail(m_missingCode, m_location);
+  if (m_first == nullptr || m_second == nullptr) return VFReportError(m_missingCode, m_location);
   return m_first->Validate(table) && m_second->Validate(table);
 }
 
 bool VCUTableFilterCompound::CheckRow(VCUTable* table, int64_t row, char* pass) {
   *pass = 0;
-  if (m_first == nullptr || m_second == nullptr) return Fail(m_missingCode, m_location);
+  if (m_first == nullptr || m_second == nullptr) return VFReportError(m_missingCode, m_location);
   if (!m_first->CheckRow(table, row, pass)) return false;
   if ((*pass != 0) == (m_settles != 0)) return true;
   return m_second->CheckRow(table, row, pass);
@@ -48,12 +48,12 @@ bool VCUTableFilterCompound::CheckRange(VCUTable* table, int64_t first, int32_t 
 
 bool VCUTableFilterCompound::CheckBlock(VCUTable* table, const int32_t* rows, int64_t first,
                                         int32_t count, int32_t* passed, int32_t* passedCount) {
-  if (m_first == nullptr || m_second == nullptr) return Fail(m_missingCode, m_location);
+  if (m_first == nullptr || m_second == nullptr) return VFReportError(m_missingCode, m_location);
   const ErrorMark mark;
   try {
     if (Combine(table, rows, first, count, passed, passedCount)) return true;
   } catch (...) {
-    return FailMemory("VCUTableFilterCompound::CheckRows");
+    return VFReportError(kTableErrorOutOfMemory, "VCUTableFilterCompound::CheckRows");
   }
   // The first failing row of a row-by-row check tells which error to report.
   mark.Rollback();
@@ -115,9 +115,9 @@ bool VCUTableFilterCompound::Combine(VCUTable* table, const int32_t* rows, int64
 }
 
 VCUTableFilterAND::VCUTableFilterAND()
-    : VCUTableFilterCompound(0, -655991, "VCUTableFilterAND::Validate") {}
+    : VCUTableFilterCompound(0, kTableErrorAndOperands, "VCUTableFilterAND::Validate") {}
 VCUTableFilterAND::~VCUTableFilterAND() = default;
 
 VCUTableFilterOR::VCUTableFilterOR()
-    : VCUTableFilterCompound(1, -655992, "VCUTableFilterOR::Validate") {}
+    : VCUTableFilterCompound(1, kTableErrorOrOperands, "VCUTableFilterOR::Validate") {}
 VCUTableFilterOR::~VCUTableFilterOR() = default;

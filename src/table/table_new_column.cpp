@@ -6,9 +6,9 @@
 
 #include <utilkit/base/error_stack.h>
 #include <utilkit/base/text_table.h>
+#include <utilkit/table/table_errors.h>
 
 #include "table/row_chunks.h"
-#include "table/table_errors.h"
 
 using namespace utilkit::table;
 
@@ -128,18 +128,19 @@ VTTableDataType VCUTableNewColumn::GetType() const {
 
 bool VCUTableNewColumn::Validate(VCUTable* table) {
   Impl& s = *m_impl;
-  if (s.keyword.IsEmpty()) return Fail(-655977, kValidate);
+  if (s.keyword.IsEmpty()) return VFReportError(kTableErrorNoKeyword, kValidate);
   if (!s.generateRowIndex && !s.divideByCol && s.expression.IsEmpty()) {
-    return Fail(-655978, kValidate, s.keyword);
+    return VFReportError(kTableErrorNoExpression, kValidate, s.keyword);
   }
   if (s.hasStatus) {
-    if (s.statusKeyword.IsEmpty()) return Fail(-655979, kValidate, s.keyword);
+    if (s.statusKeyword.IsEmpty())
+      return VFReportError(kTableErrorNoStatusSource, kValidate, s.keyword);
     char has = 0;
     if (!table->GetColIndexFromKeyword(s.statusKeyword, &s.statusCol) ||
         !table->GetColHasStatus(s.statusCol, &has)) {
       return false;
     }
-    if (!has) return Fail(-655986, kValidate, s.keyword);
+    if (!has) return VFReportError(kTableErrorNoStatus, kValidate, s.keyword);
   }
   if (s.divideByCol) return table->GetColIndexFromKeyword(s.divisorKeyword, &s.divisorCol);
   // A row index column has no expression to bind.
@@ -164,7 +165,7 @@ bool VCUTableNewColumn::Trap(double* value) const {
 
 bool VCUTableNewColumn::CalculateRowValue_D(VCUTable* table, int64_t row, double* value) {
   Impl& s = *m_impl;
-  if (s.generateRowIndex) return Fail(-655994, kRowValueD);
+  if (s.generateRowIndex) return VFReportError(kTableErrorExpressionType, kRowValueD);
   if (s.divideByCol) {
     double divisor = 0;
     if (!table->GetValues_D(s.divisorCol, row, 1, &divisor)) return false;
@@ -173,7 +174,7 @@ bool VCUTableNewColumn::CalculateRowValue_D(VCUTable* table, int64_t row, double
     } else if (s.divZeroTrap) {
       *value = s.divZeroValue;
     } else {
-      return Fail(-656002, kRowValueD);
+      return VFReportError(kTableErrorDivideByZero, kRowValueD);
     }
     return true;
   }
@@ -184,7 +185,7 @@ bool VCUTableNewColumn::CalculateRowValue_D(VCUTable* table, int64_t row, double
 bool VCUTableNewColumn::CalculateRowValue_H(VCUTable*, int64_t row, int64_t* value) {
   if (!m_impl->generateRowIndex) {
     // Reported under its own code with the Double message, as hosts expect.
-    VFErrorSet(-655995, VFTextGet(VFGetUtilKitText(), -655994),
+    VFErrorSet(kTableErrorRowIndexType, VFTextGet(VFGetUtilKitText(), kTableErrorExpressionType),
                "VCUTableNewColumn::CalculateRowValue_H", 0);
     return false;
   }
@@ -211,7 +212,7 @@ bool VCUTableNewColumn::CalculateStatuses(VCUTable* table, const int32_t* rows, 
 
 bool VCUTableNewColumn::CalculateValues_D(VCUTable* table, const int32_t* rows, int64_t count,
                                           double* out) {
-  if (m_impl->generateRowIndex) return Fail(-655994, kRowValueD);
+  if (m_impl->generateRowIndex) return VFReportError(kTableErrorExpressionType, kRowValueD);
   for (int64_t begin = 0; begin < count; begin += kBlock) {
     const int64_t n = std::min(kBlock, count - begin);
     const bool ok = m_impl->divideByCol ? DivideBlock(table, rows + begin, n, out + begin)
@@ -235,7 +236,7 @@ bool VCUTableNewColumn::DivideBlock(VCUTable* table, const int32_t* rows, int64_
     } else if (s.divZeroTrap) {
       out[i] = s.divZeroValue;
     } else {
-      return Fail(-656002, kRowValueD);
+      return VFReportError(kTableErrorDivideByZero, kRowValueD);
     }
   }
   return true;
@@ -259,7 +260,7 @@ bool VCUTableNewColumn::ExpressionBlock(VCUTable* table, const int32_t* rows, in
     columns[k] = s.slotValues[k].data();
     bool status = false;
     if (!calc.GetColumnOfId(calc.GetVariableIdOfSlot(slot), &slotCols[k], &status)) {
-      return Fail(-655974, "VCUNewColCalculator::GetVariableValue");
+      return VFReportError(kTableErrorColumnIndex, "VCUNewColCalculator::GetVariableValue");
     }
     slotStatus[k] = status;
     if (status) s.statusScratch.resize(size);

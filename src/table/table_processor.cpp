@@ -32,15 +32,15 @@ VCUTableProcessor::~VCUTableProcessor() = default;
 bool VCUTableProcessor::AddInputTable(VCUTable* table) {
   static constexpr const char* kLocation = "VCUTableProcessor::AddInputTable";
   assert(table != nullptr);
-  if (table == nullptr) return Fail(-655971, kLocation);
+  if (table == nullptr) return VFReportError(kTableErrorNoInputTables, kLocation);
   auto& inputs = m_state->inputs;
   if (std::find(inputs.begin(), inputs.end(), table) != inputs.end()) {
-    return Fail(-655961, kLocation);
+    return VFReportError(kTableErrorTableAddedTwice, kLocation);
   }
   try {
     inputs.push_back(table);
   } catch (...) {
-    return FailMemory(kLocation);
+    return VFReportError(kTableErrorOutOfMemory, kLocation);
   }
   m_state->DropMergedColumns();
   return true;
@@ -51,18 +51,20 @@ bool VCUTableProcessor::AddInputTable(VCUTable* table, const int64_t* rows, int6
   VCUTableProcessorState& s = *m_state;
   int64_t tableRows = 0;
   if (table != nullptr && std::find(s.inputs.begin(), s.inputs.end(), table) != s.inputs.end()) {
-    return Fail(-655961, kLocation);
+    return VFReportError(kTableErrorTableAddedTwice, kLocation);
   }
   if (table != nullptr && !table->GetNumRows(&tableRows)) return false;
   if (!AddInputTable(table)) return false;
-  if (count > s.rowLimit - s.rowMap.Size()) return Fail(-655964, kLocation);
-  if (count < 0 || (count > 0 && rows == nullptr)) return Fail(-655999, kLocation);
+  if (count > s.rowLimit - s.rowMap.Size()) return VFReportError(kTableErrorTooManyRows, kLocation);
+  if (count < 0 || (count > 0 && rows == nullptr))
+    return VFReportError(kTableErrorInputRow, kLocation);
   for (int64_t i = 0; i < count; ++i) {
-    if (rows[i] < 1 || rows[i] > tableRows) return Fail(-655999, kLocation);
+    if (rows[i] < 1 || rows[i] > tableRows) return VFReportError(kTableErrorInputRow, kLocation);
   }
   const int32_t index = static_cast<int32_t>(s.inputs.size() - 1);
   for (int64_t i = 0; i < count; ++i) {
-    if (!s.rowMap.Append(index, static_cast<int32_t>(rows[i]), 1)) return FailMemory(kLocation);
+    if (!s.rowMap.Append(index, static_cast<int32_t>(rows[i]), 1))
+      return VFReportError(kTableErrorOutOfMemory, kLocation);
   }
   s.rowMapGiven = true;
   return true;
@@ -71,7 +73,8 @@ bool VCUTableProcessor::AddInputTable(VCUTable* table, const int64_t* rows, int6
 bool VCUTableProcessor::RemoveInputTable(VCUTable* table) {
   auto& inputs = m_state->inputs;
   auto at = std::find(inputs.begin(), inputs.end(), table);
-  if (at == inputs.end()) return Fail(-655962, "VCUTableProcessor::RemoveInputTable");
+  if (at == inputs.end())
+    return VFReportError(kTableErrorTableNotDefined, "VCUTableProcessor::RemoveInputTable");
   inputs.erase(at);
   m_state->DropMergedColumns();
   return true;
@@ -101,7 +104,7 @@ bool VCUTableProcessor::AddCompress(VCUTableCompress* compress) {
   try {
     m_state->compressions.push_back(compress);
   } catch (...) {
-    return FailMemory("VCUTableProcessor::AddCompress");
+    return VFReportError(kTableErrorOutOfMemory, "VCUTableProcessor::AddCompress");
   }
   return true;
 }
@@ -117,7 +120,7 @@ bool VCUTableProcessor::AddOutputColumn(const char* keyword) {
   try {
     m_state->outputCols.push_back({VCString(keyword)});
   } catch (...) {
-    return FailMemory("VCUTableProcessor::AddOutputColumn");
+    return VFReportError(kTableErrorOutOfMemory, "VCUTableProcessor::AddOutputColumn");
   }
   return true;
 }
@@ -127,7 +130,7 @@ bool VCUTableProcessor::AddOutputColumn(VCUTableNewColumn* column) {
   try {
     m_state->outputCols.push_back({VCString(), column});
   } catch (...) {
-    return FailMemory("VCUTableProcessor::AddOutputColumn");
+    return VFReportError(kTableErrorOutOfMemory, "VCUTableProcessor::AddOutputColumn");
   }
   return true;
 }
@@ -138,7 +141,9 @@ bool VCUTableProcessor::RemoveOutputColumn(const char* keyword) {
   auto at = std::find_if(cols.begin(), cols.end(), [&](const OutputColumn& c) {
     return (c.computed ? c.computed->GetKeyword() : c.keyword).CompareNoCase(wanted) == 0;
   });
-  if (at == cols.end()) return Fail(-655968, "VCUTableProcessor::RemoveOutputColumn", wanted);
+  if (at == cols.end())
+    return VFReportError(kTableErrorColumnNotFound, "VCUTableProcessor::RemoveOutputColumn",
+                         wanted);
   cols.erase(at);
   return true;
 }
@@ -163,7 +168,7 @@ bool VCUTableProcessor::AddAllInputColsToOutput(char commonColumns) {
 bool VCUTableProcessor::Validate() {
   static constexpr const char* kLocation = "VCUTableProcessor::Validate";
   VCUTableProcessorState& s = *m_state;
-  if (s.inputs.empty()) return Fail(-655971, kLocation);
+  if (s.inputs.empty()) return VFReportError(kTableErrorNoInputTables, kLocation);
   s.DropMergedColumns();
   VCArray<VCString> keywords;
   VCArray<VTTableDataType> types;
@@ -183,9 +188,9 @@ bool VCUTableProcessor::Validate() {
     }
   } catch (...) {
     s.merged.clear();
-    return FailMemory(kLocation);
+    return VFReportError(kTableErrorOutOfMemory, kLocation);
   }
-  if (s.outputCols.empty()) return Fail(-655972, kLocation);
+  if (s.outputCols.empty()) return VFReportError(kTableErrorNoOutputColumns, kLocation);
   // The merged columns by upper-cased keyword (the first of each), so that
   // placing n output columns is not n^2 comparisons; a keyword not there is
   // left to the merged view to report.
@@ -197,7 +202,7 @@ bool VCUTableProcessor::Validate() {
       mergedIndex.emplace(key.MakeUpper().c_str(), static_cast<int32_t>(i));
     }
   } catch (...) {
-    return FailMemory(kLocation);
+    return VFReportError(kTableErrorOutOfMemory, kLocation);
   }
   for (OutputColumn& col : s.outputCols) {
     if (col.computed) {
@@ -225,9 +230,9 @@ bool VCUTableProcessor::Process() {
   try {
     ok = Validate() && BuildRowMap() && RunFilter() && RunCompressionsAndSort();
   } catch (...) {
-    FailMemory("VCUTableProcessor::Process");
+    VFReportError(kTableErrorOutOfMemory, "VCUTableProcessor::Process");
   }
-  if (!ok) return Fail(-655963, "VCUTableProcessor::Process", nullptr, 1);
+  if (!ok) return VFReportError(kTableErrorProcessFailed, "VCUTableProcessor::Process", nullptr, 1);
   return true;
 }
 
@@ -240,13 +245,13 @@ bool VCUTableProcessor::BuildRowMap() {
     for (size_t t = 0; t < s.inputs.size(); ++t) {
       if (!s.inputs[t]->GetNumRows(&counts[t])) return false;
       counts[t] = std::max<int64_t>(counts[t], 0);
-      if (counts[t] > s.rowLimit - total) return Fail(-655964, kLocation);
+      if (counts[t] > s.rowLimit - total) return VFReportError(kTableErrorTooManyRows, kLocation);
       total += counts[t];
     }
     s.rowMap.Clear();
     for (size_t t = 0; t < s.inputs.size(); ++t) {
       if (!s.rowMap.Append(static_cast<int32_t>(t), 1, static_cast<int32_t>(counts[t]))) {
-        return FailMemory(kLocation);
+        return VFReportError(kTableErrorOutOfMemory, kLocation);
       }
     }
   }
@@ -265,7 +270,7 @@ bool VCUTableProcessor::RunFilter() {
   VCUTableProcessorState& s = *m_state;
   const auto count = static_cast<int32_t>(s.rowMap.Size());
   if (s.filter == nullptr) {
-    if (!s.outputRows.SetSize(count)) return FailMemory(kLocation);
+    if (!s.outputRows.SetSize(count)) return VFReportError(kTableErrorOutOfMemory, kLocation);
     int32_t* out = s.outputRows.GetData();
     for (int32_t i = 0; i < count; ++i) out[i] = i + 1;
     return true;
@@ -277,7 +282,8 @@ bool VCUTableProcessor::RunFilter() {
     int32_t kept = 0;
     if (!s.filter->CheckRange(&s.data, first + 1, n, passed.data(), &kept)) return false;
     for (int32_t k = 0; k < kept; ++k) passed[static_cast<size_t>(k)] += first + 1;
-    if (!s.outputRows.Append(passed.data(), kept)) return FailMemory(kLocation);
+    if (!s.outputRows.Append(passed.data(), kept))
+      return VFReportError(kTableErrorOutOfMemory, kLocation);
   }
   return true;
 }

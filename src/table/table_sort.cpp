@@ -5,10 +5,10 @@
 #include <vector>
 
 #include <utilkit/base/vc_string.h>
+#include <utilkit/table/table_errors.h>
 
 #include "table/column_keys.h"
 #include "table/key_order.h"
-#include "table/table_errors.h"
 
 using namespace utilkit::table;
 
@@ -72,7 +72,7 @@ bool VCUTableSort::SetCategory(const char* keyword, int32_t rowsPerCategory) {
 bool VCUTableSort::Validate(VCUTable* table) {
   Impl& s = *m_impl;
   auto bind = [&] {
-    if (s.columns.empty()) return Fail(-655987, kValidate);
+    if (s.columns.empty()) return VFReportError(kTableErrorNoSortColumns, kValidate);
     s.categoryIndex = -1;
     if (!s.categoryKeyword.IsEmpty() &&
         !table->GetColIndexFromKeyword(s.categoryKeyword, &s.categoryIndex)) {
@@ -90,10 +90,10 @@ bool VCUTableSort::Validate(VCUTable* table) {
       }
     }
     if (s.categoryIndex < 0 || s.categoryPosition != 0) return true;
-    return Fail(-655996, kValidate);
+    return VFReportError(kTableErrorCategoryColumn, kValidate);
   };
   if (bind()) return true;
-  return Fail(-655988, kValidate, nullptr, 1);
+  return VFReportError(kTableErrorSort, kValidate, nullptr, 1);
 }
 
 // Orders the positions of the rows column by column (see key_order.h),
@@ -112,13 +112,13 @@ bool VCUTableSort::DoSort(VCUTable* table, VCDataArray<int32_t>& rows) {
       order.reset(new int32_t[n]);
       s.keys.reset(new uint64_t[n]);
     } catch (...) {
-      return Fail(-655998, kDoSort);
+      return VFReportError(kTableErrorBufferSize, kDoSort);
     }
-    if (!keyOrder.Start(s.count, order.get())) return Fail(-655998, kDoSort);
+    if (!keyOrder.Start(s.count, order.get())) return VFReportError(kTableErrorBufferSize, kDoSort);
     for (size_t i = 0; i < s.columns.size() && !keyOrder.Sorted(); ++i) {
       if (!LoadColumnData(static_cast<int32_t>(i))) return false;
       if (!keyOrder.Refine(s.keys.get(), s.columns[i].ascending == 0, i + 1 == s.columns.size())) {
-        return Fail(-655998, kDoSort);
+        return VFReportError(kTableErrorBufferSize, kDoSort);
       }
     }
     s.keys.reset();
@@ -130,26 +130,26 @@ bool VCUTableSort::DoSort(VCUTable* table, VCDataArray<int32_t>& rows) {
   try {
     ok = run();
   } catch (...) {
-    FailMemory(kDoSort);
+    VFReportError(kTableErrorOutOfMemory, kDoSort);
   }
   s.keys.reset();
   s.loader.Clear();
   s.table = nullptr;
   s.rows = nullptr;
   if (ok) return true;
-  return Fail(-655989, kDoSort, nullptr, 1);
+  return VFReportError(kTableErrorSortFailed, kDoSort, nullptr, 1);
 }
 
 bool VCUTableSort::LoadColumnData(int32_t sortColumn) {
   Impl& s = *m_impl;
   const VCUTableSort_Col& col = s.columns[static_cast<size_t>(sortColumn)];
-  if (!s.keys) return Fail(-655998, kLoad);
+  if (!s.keys) return VFReportError(kTableErrorBufferSize, kLoad);
   if (!s.loader.Bind(s.table, col.colIndex, col.type, ColumnKeys::Mode::Order,
                      col.caseSensitive == 0) ||
       !s.loader.Load(s.rows, 0, s.count, s.keys.get())) {
     return false;
   }
-  if (!s.loader.Finish(s.keys.get(), s.count)) return Fail(-655998, kLoad);
+  if (!s.loader.Finish(s.keys.get(), s.count)) return VFReportError(kTableErrorBufferSize, kLoad);
   s.loader.Clear();
   return true;
 }
@@ -182,6 +182,6 @@ bool VCUTableSort::DoCategoryTrim(VCUTable* table, VCDataArray<int32_t>& rows) {
     }
     data[kept++] = data[k];
   }
-  if (!rows.SetSize(kept)) return FailMemory(kDoSort);
+  if (!rows.SetSize(kept)) return VFReportError(kTableErrorOutOfMemory, kDoSort);
   return true;
 }

@@ -6,12 +6,12 @@
 #include <memory>
 #include <new>
 
+#include <utilkit/base/error_report.h>
 #include <utilkit/base/number_text.h>
 #include <utilkit/base/text_helpers.h>
 #include <utilkit/base/vc_time.h>
 
 #include "tree/tree_data.h"
-#include "tree/tree_report.h"
 
 namespace {
 
@@ -70,7 +70,7 @@ char VCUTree::SetFilterOpsFromText(const char* text) {
     const char* cursor = closed.c_str();
     m_pData->filter = FilterParseBrace(&cursor);
   } catch (const std::bad_alloc&) {
-    VFTreeReportError(kTreeErrorOutOfMemory, kParseLocation);
+    VFReportError(kTreeErrorOutOfMemory, kParseLocation);
   }
   return m_pData->filter ? 1 : 0;
 }
@@ -89,7 +89,7 @@ VCUTreeFilterDefBase* VCUTree::FilterParseBrace(const char** cursor, int32_t dep
   VCString negation, name, op, value;
   std::unique_ptr<VCUTreeFilterDefBase> left, right;
   const auto fail = [](int32_t code) -> VCUTreeFilterDefBase* {
-    VFTreeReportError(code, kParseLocation);
+    VFReportError(code, kParseLocation);
     return nullptr;  // the operands go with their unique_ptrs
   };
   while (state != State::Done) {

@@ -6,11 +6,11 @@
 #include <memory>
 #include <new>
 
+#include <utilkit/base/error_report.h>
 #include <utilkit/base/number_text.h>
 #include <utilkit/base/text_helpers.h>
 
 #include "tree/tree_data.h"
-#include "tree/tree_report.h"
 
 namespace {
 
@@ -55,7 +55,7 @@ std::unique_ptr<VCUTreeGroupDefBase> MakeGroupDef(const VCString& name,
       code = kTreeErrorModifier;
     }
     if (code != 0) {
-      VFTreeReportError(code, kOpsLocation);
+      VFReportError(code, kOpsLocation);
       return nullptr;
     }
   }
@@ -90,7 +90,7 @@ std::unique_ptr<VCUTreeSortDefBase> MakeSortDef(const VCString& name,
       code = kTreeErrorModifier;
     }
     if (code != 0) {
-      VFTreeReportError(code, kOpsLocation);
+      VFReportError(code, kOpsLocation);
       return nullptr;
     }
   }
@@ -117,7 +117,7 @@ char VCUTree::SetOpsFromText(char grouping, const char* text) {
     VCKeyValueArray modifiers;
     if (!SeparatePropAndModifiers(operation, &name, &modifiers)) return false;
     if (name.IsEmpty()) {
-      VFTreeReportError(kTreeErrorBlankPropertyName, kOpsLocation);
+      VFReportError(kTreeErrorBlankPropertyName, kOpsLocation);
       return false;
     }
     if (grouping) {
@@ -137,15 +137,15 @@ char VCUTree::SetOpsFromText(char grouping, const char* text) {
         text, ".", VCStringArray::kSplitTrim | VCStringArray::kSplitSkipEmpty);
     if (count < 0) throw std::bad_alloc();
     if (count == 0) {
-      VFTreeReportError(grouping ? kTreeErrorNoGroupingProperties : kTreeErrorNoSortingProperties,
-                        kOpsLocation);
+      VFReportError(grouping ? kTreeErrorNoGroupingProperties : kTreeErrorNoSortingProperties,
+                    kOpsLocation);
       return 0;
     }
     bool ok = true;
     for (int32_t i = 0; i < count && ok; ++i) ok = append(operations[i]);
     if (ok) return 1;
   } catch (const std::bad_alloc&) {
-    VFTreeReportError(kTreeErrorOutOfMemory, kOpsLocation);
+    VFReportError(kTreeErrorOutOfMemory, kOpsLocation);
   }
   // Earlier, valid operations of the same text go too.
   grouping ? ClearGrouping() : ClearSorting();
@@ -163,7 +163,7 @@ char VCUTree::SeparatePropAndModifiers(const char* text, VCString* propName,
     return 1;
   }
   if (open <= 0 || close < open + 2 || close != squeezed.GetLength() - 1) {
-    VFTreeReportError(kTreeErrorBadBraces, kSeparateLocation);
+    VFReportError(kTreeErrorBadBraces, kSeparateLocation);
     return 0;
   }
   *propName = squeezed.Left(open);  // as written: a blank before "{" stays
@@ -173,13 +173,13 @@ char VCUTree::SeparatePropAndModifiers(const char* text, VCString* propName,
     throw std::bad_alloc();
   }
   if (pairs.IsEmpty()) {
-    VFTreeReportError(kTreeErrorNoModifiers, kSeparateLocation);
+    VFReportError(kTreeErrorNoModifiers, kSeparateLocation);
     return 0;
   }
   for (const VCString& pair : pairs) {
     VCString key, value;
     if (!VFSplitIntoKeyValue(pair, &key, &value, 0)) {
-      VFTreeReportError(kTreeErrorModifierFormat, kSeparateLocation);
+      VFReportError(kTreeErrorModifierFormat, kSeparateLocation);
       return 0;
     }
     if (!modifiers->SetValue(key, value)) throw std::bad_alloc();

@@ -4,10 +4,11 @@
 #include <memory>
 #include <new>
 
+#include <utilkit/base/error_report.h>
+
 #include "tree/shell_sort.h"
 #include "tree/tree_data.h"
 #include "tree/tree_node_data.h"
-#include "tree/tree_report.h"
 
 namespace {
 
@@ -40,11 +41,11 @@ VCUTreeResultNode* VCUTree::Process(VCUTreeNodeBase* sourceRoot) {
   try {
     std::unique_ptr<VCUTreeResultNode> root(new VCUTreeResultNode);
     if (d.grouping.IsEmpty() && !d.filter && d.sorting.IsEmpty()) {
-      VFTreeReportError(kTreeErrorNoOperations, kProcessLocation);
+      VFReportError(kTreeErrorNoOperations, kProcessLocation);
       return nullptr;
     }
     if (!sourceRoot) {
-      VFTreeReportError(kTreeErrorNoSourceTree, kProcessLocation);
+      VFReportError(kTreeErrorNoSourceTree, kProcessLocation);
       return nullptr;
     }
     VCStringArray noIds;
@@ -62,7 +63,7 @@ VCUTreeResultNode* VCUTree::Process(VCUTreeNodeBase* sourceRoot) {
     if (!d.grouping.IsEmpty()) root->SortCategoryLevels(1, d.grouping.GetSize());
     return root.release();
   } catch (const std::bad_alloc&) {
-    VFTreeReportError(kTreeErrorOutOfMemory, kProcessLocation);
+    VFReportError(kTreeErrorOutOfMemory, kProcessLocation);
     return nullptr;
   }
 }

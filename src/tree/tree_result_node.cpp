@@ -8,12 +8,12 @@
 #include <string_view>
 #include <vector>
 
+#include <utilkit/base/error_report.h>
 #include <utilkit/tree/tree_group_def_base.h>
 
 #include "tree/category_index.h"
 #include "tree/shell_sort.h"
 #include "tree/tree_node_data.h"
-#include "tree/tree_report.h"
 
 namespace {
 
@@ -140,7 +140,7 @@ int VCUTreeResultNode::GetChildren(VCArray<VCUTreeNodeBase*>* out) {
       } catch (const std::bad_alloc&) {
         // Take back what this expansion made; the mark stays for a retry.
         while (children.Size() > before) delete children[children.Size() - 1];
-        VFTreeReportError(kTreeErrorOutOfMemory, "VCUTreeResultNode::GetChildren");
+        VFReportError(kTreeErrorOutOfMemory, "VCUTreeResultNode::GetChildren");
         return -1;
       }
     }
@@ -293,7 +293,7 @@ bool VCUTreeResultNode::SortChildCategories(char ascending) {
       order[i] = children[entries[static_cast<size_t>(i)].position];
     SetNewChildOrder(order);
   } catch (const std::bad_alloc&) {
-    VFTreeReportError(kTreeErrorOutOfMemory, "VCUTreeResultNode::SortCategories");
+    VFReportError(kTreeErrorOutOfMemory, "VCUTreeResultNode::SortCategories");
     return false;
   }
   return true;

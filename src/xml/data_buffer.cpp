@@ -6,13 +6,14 @@
 #include <cstring>
 #include <limits>
 
+#include <utilkit/base/error_report.h>
 #include <utilkit/base/error_stack.h>
 #include <utilkit/base/text_table.h>
+#include <utilkit/xml/xml_errors.h>
 
 namespace {
 constexpr int32_t kFirstIncrement = 4096;
 constexpr int32_t kMaxIncrement = 500000;
-constexpr int32_t kOutOfMemory = -655577;
 constexpr int64_t kMaxSize = std::numeric_limits<int32_t>::max();
 }  // namespace
 
@@ -60,8 +61,7 @@ bool VCUDataBuffer::SetAllocSize(int32_t size) {
   // loses the old block (see the header).
   m_data = static_cast<char*>(std::realloc(m_data, static_cast<size_t>(m_allocated)));
   if (!m_data) {
-    VFErrorSet(kOutOfMemory, VFTextGet(VFGetUtilKitText(), kOutOfMemory),
-               "VCUDataBuffer::SetAllocSize", 0);
+    VFReportError(kXmlErrorOutOfMemory, "VCUDataBuffer::SetAllocSize");
     return false;
   }
   return true;
@@ -72,8 +72,7 @@ bool VCUDataBuffer::AppendWithGrowth(const char* data, int32_t length) {
   if (length < 0) length = static_cast<int32_t>(std::min<size_t>(std::strlen(data), kMaxSize));
   if (length < 1) return true;
   if (int64_t{m_used} + length + 1 > kMaxSize) {
-    VFErrorSet(kOutOfMemory, VFTextGet(VFGetUtilKitText(), kOutOfMemory), "VCUDataBuffer::Append",
-               0);
+    VFReportError(kXmlErrorOutOfMemory, "VCUDataBuffer::Append");
     return false;
   }
   // Appending a part of this buffer to itself: find the bytes again after growth.

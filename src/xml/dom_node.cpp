@@ -4,6 +4,7 @@
 #include <xercesc/util/XMLString.hpp>
 
 #include <utilkit/base/text_table.h>
+#include <utilkit/xml/xml_errors.h>
 
 #include "xml/dom_access.h"
 #include "xml/xerces_platform.h"
@@ -39,7 +40,7 @@ void ReportDomFailure(DOM_DOMException* error) noexcept {
     } catch (...) {  // OutOfMemoryException, std::bad_alloc
       if (error) {
         *error = DOM_DOMException(DOM_DOMException::NO_ERR,
-                                  DOMString(VFTextGet(VFGetUtilKitText(), -655577)));
+                                  DOMString(VFTextGet(VFGetUtilKitText(), kXmlErrorOutOfMemory)));
       }
     }
   } catch (...) {  // no memory left even for the description

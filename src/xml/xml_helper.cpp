@@ -10,9 +10,11 @@
 
 #include <xercesc/util/XMLString.hpp>
 
+#include <utilkit/base/error_report.h>
 #include <utilkit/base/error_stack.h>
 #include <utilkit/base/text_table.h>
 #include <utilkit/base/vc_io.h>
+#include <utilkit/xml/xml_errors.h>
 
 #include "xml/dom_access.h"
 #include "xml/text_conversion.h"
@@ -22,15 +24,6 @@ using utilkit::xml::FromXml;
 using utilkit::xml::XmlChars;
 
 namespace {
-
-constexpr int32_t kOutOfMemory = -655577;
-
-// Pushes `code` with its text followed by `name`.
-void PushError(int32_t code, const char* name, const char* location) {
-  VCString message(VFTextGet(VFGetUtilKitText(), code));
-  message += name;
-  VFErrorSet(code, message, location, 0);
-}
 
 bool IsDroppedControl(unsigned char c) {
   return c >= 1 && c <= 31 && c != '\t' && c != '\n' && c != '\r';
@@ -56,12 +49,12 @@ DOM_Document VCUXmlHelper::ParseXmlFromFile(const char* fileName) {
   int64_t size = 0;
   if (!file.Open(fileName, VCIo::kModeRead) || !file.GetSize(&size)) return DOM_Document();
   if (size > kMaxParseBytes) {
-    PushError(-655761, "", kLocation);
+    VFReportError(kXmlErrorParse, kLocation);
     return DOM_Document();
   }
   std::unique_ptr<char[]> bytes(new (std::nothrow) char[size > 0 ? size : 1]);
   if (!bytes) {
-    PushError(kOutOfMemory, "", kLocation);
+    VFReportError(kXmlErrorOutOfMemory, kLocation);
     return DOM_Document();
   }
   if (!file.Read(bytes.get(), size, 0)) return DOM_Document();
@@ -84,9 +77,9 @@ bool VCUXmlHelper::GetSingleElementChild(const DOM_Node& parent, const char* tag
         return true;
       }
     }
-    PushError(-655764, tag, kLocation);
+    VFReportError(kXmlErrorNoElement, kLocation, tag);
   } catch (...) {
-    PushError(-655763, "", kLocation);
+    VFReportError(kXmlErrorUnknown, kLocation);
   }
   return false;
 }
@@ -99,18 +92,18 @@ bool VCUXmlHelper::GetAttribute(const DOM_Node& element, const char* name, VCStr
     const xc::DOMNode* node = VCUDomAccess::Node(element);
     const xc::DOMNamedNodeMap* attributes = node ? node->getAttributes() : nullptr;
     if (!attributes) {
-      PushError(-655765, name, kLocation);
+      VFReportError(kXmlErrorNoAttributes, kLocation, name);
       return false;
     }
     const xc::DOMNode* attribute = attributes->getNamedItem(XmlChars(VCToDOMString(name)));
     if (!attribute) {
-      PushError(-655766, name, kLocation);
+      VFReportError(kXmlErrorNoAttribute, kLocation, name);
       return false;
     }
     *out = DOMToVCString(FromXml(attribute->getNodeValue()));
     return true;
   } catch (...) {
-    PushError(-655767, "", kLocation);
+    VFReportError(kXmlErrorGetAttribute, kLocation);
   }
   return false;
 }
@@ -121,14 +114,15 @@ VCString VCUXmlHelper::GetTextFromElement(const DOM_Node& element) {
     const xc::DOMNode* node = VCUDomAccess::Node(element);
     const xc::DOMNode* first = node ? node->getFirstChild() : nullptr;
     if (!first) {
-      PushError(-655768, DOMToVCString(element.getNodeName()), kLocation);
+      VFReportError(kXmlErrorNoTextChild, kLocation, DOMToVCString(element.getNodeName()).c_str());
       return VCString();
     }
     VCString text = DOMToVCString(FromXml(first->getNodeValue()));
-    if (text.IsEmpty()) PushError(-655769, DOMToVCString(element.getNodeName()), kLocation);
+    if (text.IsEmpty())
+      VFReportError(kXmlErrorEmptyText, kLocation, DOMToVCString(element.getNodeName()).c_str());
     return text;
   } catch (...) {  // std::bad_alloc
-    PushError(kOutOfMemory, "", kLocation);
+    VFReportError(kXmlErrorOutOfMemory, kLocation);
   }
   return VCString();
 }

@@ -16,6 +16,7 @@
 
 #include <utilkit/base/error_stack.h>
 #include <utilkit/base/text_table.h>
+#include <utilkit/xml/xml_errors.h>
 
 #include "xml/dom_access.h"
 #include "xml/parse_memory.h"
@@ -23,7 +24,6 @@
 
 namespace {
 
-constexpr int32_t kParseError = -655761;
 constexpr size_t kBaseParseMemory = size_t{64} << 20;
 
 // A parsed document with the memory manager it was built with; the
@@ -92,11 +92,11 @@ VCString DescribeParseFailure() noexcept {
     } catch (const xc::DOMException& e) {
       return VCUXmlHelper::DOMToVCString(utilkit::xml::FromXml(e.getMessage()));
     } catch (const xc::OutOfMemoryException&) {  // the memory bound, or the heap
-      return VCString(VFTextGet(VFGetUtilKitText(), -655577));
+      return VCString(VFTextGet(VFGetUtilKitText(), kXmlErrorOutOfMemory));
     } catch (const std::bad_alloc&) {
-      return VCString(VFTextGet(VFGetUtilKitText(), -655577));
+      return VCString(VFTextGet(VFGetUtilKitText(), kXmlErrorOutOfMemory));
     } catch (const NestedTooDeeply&) {
-      VCString message(VFTextGet(VFGetUtilKitText(), kParseError));
+      VCString message(VFTextGet(VFGetUtilKitText(), kXmlErrorParse));
       message += ": elements nested more than ";
       message += VCString::Formatted("%d", static_cast<int>(g_maxNestingDepth.load()));
       message += " deep";
@@ -108,8 +108,8 @@ VCString DescribeParseFailure() noexcept {
 }
 
 void PushParseError(const VCString& message) {
-  VFErrorSet(kParseError,
-             message.IsEmpty() ? VFTextGet(VFGetUtilKitText(), kParseError) : message.c_str(),
+  VFErrorSet(kXmlErrorParse,
+             message.IsEmpty() ? VFTextGet(VFGetUtilKitText(), kXmlErrorParse) : message.c_str(),
              "VCUXmlHelper::ParseXml", 0);
 }
 

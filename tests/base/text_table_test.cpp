@@ -143,7 +143,6 @@ constexpr Expected kExpected[] = {
     {-68439, "Could not get the value of variable: "},
     {-68438, "No values given for variable: "},
     {-68437, "No expression has been set"},
-    {-68436, "Out of memory in the expression calculator"},
     {101, "January"},
     {102, "February"},
     {103, "March"},

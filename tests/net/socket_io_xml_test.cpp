@@ -6,6 +6,7 @@
 
 #include <utilkit/net/net_errors.h>
 #include <utilkit/net/socket_io_xml.h>
+#include <utilkit/xml/xml_errors.h>
 #include <utilkit/xml/xml_helper.h>
 
 #include "net/net_test_support.h"
@@ -58,7 +59,7 @@ TEST_F(SocketIOXmlTest, EndMarkers) {
 TEST_F(SocketIOXmlTest, MalformedAndOversizedDocuments) {
   Raw("<Reply><a></Reply>");
   EXPECT_FALSE(b_.GetData("Reply", &doc_, 1));
-  EXPECT_EQ(VFErrorGetCode(VFErrorGetLast()), -655761);
+  EXPECT_EQ(VFErrorGetCode(VFErrorGetLast()), kXmlErrorParse);
   b_.SetMaxMessageSize(15000);
   const std::string big = "<Reply>" + std::string(20000, 'x') + "</Reply>";
   Raw(big.c_str());

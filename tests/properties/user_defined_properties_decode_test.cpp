@@ -1,4 +1,6 @@
+#include <utilkit/properties/properties_errors.h>
 #include <utilkit/properties/user_defined_properties.h>
+#include <utilkit/xml/xml_errors.h>
 #include <utilkit/xml/xml_helper.h>
 
 #include <gtest/gtest.h>
@@ -205,7 +207,7 @@ TEST_F(DecodeTest, ARootOfAnotherNameIsOnlyTheSyntaxError) {
   R5PropertySet set;
   EXPECT_FALSE(VCUUserDefinedProperties::DecodeUserPropDef(
       VCString("<Property><Property name='a'/></Property>"), set));
-  ExpectErrors({{-656161, kSyntaxError, kDecodeAt, 0}});
+  ExpectErrors({{kPropertiesErrorSyntax, kSyntaxError, kDecodeAt, 0}});
   EXPECT_EQ(set.GetCount(), 0);
 }
 
@@ -213,7 +215,7 @@ TEST_F(DecodeTest, ANullRootIsOnlyTheSyntaxError) {
   R5PropertySet set;
   set.AddString("old", "");
   EXPECT_FALSE(VCUUserDefinedProperties::DecodeUserPropDef(DOM_Node(), set));
-  ExpectErrors({{-656161, kSyntaxError, kDecodeAt, 0}});
+  ExpectErrors({{kPropertiesErrorSyntax, kSyntaxError, kDecodeAt, 0}});
   EXPECT_EQ(set.GetCount(), 0);
 }
 
@@ -230,9 +232,9 @@ TEST_F(DecodeTest, TextThatIsNotXmlFailsAfterTheParserError) {
   set.AddString("old", "");
   EXPECT_FALSE(VCUUserDefinedProperties::DecodeUserPropDef(VCString("<Properties>"), set));
   ASSERT_EQ(VFErrorGetCount(), 2u);
-  EXPECT_EQ(VFErrorGetCode(VFGetUtLibError()), -655761);
+  EXPECT_EQ(VFErrorGetCode(VFGetUtLibError()), kXmlErrorParse);
   const VCErrorRecord* last = VFErrorGetLast();
-  EXPECT_EQ(VFErrorGetCode(last), -656161);
+  EXPECT_EQ(VFErrorGetCode(last), kPropertiesErrorSyntax);
   EXPECT_STREQ(VFErrorGetMessage(last), kSyntaxError);
   EXPECT_STREQ(VFErrorGetLocation(last), kDecodeAt);
   EXPECT_EQ(VFErrorGetFlag(last), 1);
@@ -256,8 +258,8 @@ TEST_F(DecodeTest, AMissingNameFailsAndKeepsTheEarlierProperties) {
       Decode("<Property name='a'/><Property name='b'/><Property type='long'/>"
              "<Property name='c'/>",
              set));
-  ExpectDecodeFailure(
-      {-655766, "No attribute found with name : name", "VCUXmlHelper::GetAttribute", 0});
+  ExpectDecodeFailure({kXmlErrorNoAttribute, "No attribute found with name : name",
+                       "VCUXmlHelper::GetAttribute", 0});
   ASSERT_EQ(set.GetCount(), 2);
   EXPECT_EQ(set.GetProperty(0)->GetName(), "a");
   EXPECT_EQ(set.GetProperty(1)->GetName(), "b");
@@ -266,7 +268,7 @@ TEST_F(DecodeTest, AMissingNameFailsAndKeepsTheEarlierProperties) {
 TEST_F(DecodeTest, AnEmptyNameIsOnlyTheSyntaxError) {
   R5PropertySet set;
   EXPECT_FALSE(Decode("<Property name='a'/><Property name=''/>", set));
-  ExpectErrors({{-656161, kSyntaxError, kDecodeAt, 1}});
+  ExpectErrors({{kPropertiesErrorSyntax, kSyntaxError, kDecodeAt, 1}});
   EXPECT_EQ(set.GetCount(), 1);
 }
 
@@ -290,34 +292,38 @@ TEST_P(BadPropertyTest, FailsWithItsRecordAndKeepsTheEarlierProperty) {
 
 INSTANTIATE_TEST_SUITE_P(
     DecodeErrors, BadPropertyTest,
-    ::testing::Values(
-        BadProperty{"<Property name='x' type='long' min='low'/>", -656162, "Invalid min attribute"},
-        BadProperty{"<Property name='x' type='double' min='nan'/>", -656162,
-                    "Invalid min attribute"},
-        BadProperty{"<Property name='x' type='long' max='1,5'/>", -656163, "Invalid max attribute"},
-        BadProperty{"<Property name='x' type='float' minallowequal='maybe'/>", -656164,
-                    "Invalid minallowequal attribute"},
-        BadProperty{"<Property name='x' type='huge' maxallowequal=''/>", -656165,
-                    "Invalid maxallowequal attribute"},
-        BadProperty{"<Property name='x' type='enum' enumopts=''/>", -656166,
-                    "Invalid enumopts attribute"},
-        BadProperty{"<Property name='x' type='enum' enumopts=',,'/>", -656166,
-                    "Invalid enumopts attribute"},
-        BadProperty{"<Property name='x' type='enum' enumopts='a,b,a'/>", -656166,
-                    "Invalid enumopts attribute"},
-        BadProperty{"<Property name='x' type='Date'/>", -656168, "Unsupported property type: date"},
-        // Bounds are read before the type is looked at, min before max.
-        BadProperty{"<Property name='x' type='date' max='?' min='?'/>", -656162,
-                    "Invalid min attribute"},
-        // Bounds are checked for every type, also where they are not used.
-        BadProperty{"<Property name='x' type='string' maxallowequal='?'/>", -656165,
-                    "Invalid maxallowequal attribute"}));
+    ::testing::Values(BadProperty{"<Property name='x' type='long' min='low'/>", kPropertiesErrorMin,
+                                  "Invalid min attribute"},
+                      BadProperty{"<Property name='x' type='double' min='nan'/>",
+                                  kPropertiesErrorMin, "Invalid min attribute"},
+                      BadProperty{"<Property name='x' type='long' max='1,5'/>", kPropertiesErrorMax,
+                                  "Invalid max attribute"},
+                      BadProperty{"<Property name='x' type='float' minallowequal='maybe'/>",
+                                  kPropertiesErrorMinAllowEqual, "Invalid minallowequal attribute"},
+                      BadProperty{"<Property name='x' type='huge' maxallowequal=''/>",
+                                  kPropertiesErrorMaxAllowEqual, "Invalid maxallowequal attribute"},
+                      BadProperty{"<Property name='x' type='enum' enumopts=''/>",
+                                  kPropertiesErrorEnumOpts, "Invalid enumopts attribute"},
+                      BadProperty{"<Property name='x' type='enum' enumopts=',,'/>",
+                                  kPropertiesErrorEnumOpts, "Invalid enumopts attribute"},
+                      BadProperty{"<Property name='x' type='enum' enumopts='a,b,a'/>",
+                                  kPropertiesErrorEnumOpts, "Invalid enumopts attribute"},
+                      BadProperty{"<Property name='x' type='Date'/>",
+                                  kPropertiesErrorUnsupportedType,
+                                  "Unsupported property type: date"},
+                      // Bounds are read before the type is looked at, min before max.
+                      BadProperty{"<Property name='x' type='date' max='?' min='?'/>",
+                                  kPropertiesErrorMin, "Invalid min attribute"},
+                      // Bounds are checked for every type, also where they are not used.
+                      BadProperty{"<Property name='x' type='string' maxallowequal='?'/>",
+                                  kPropertiesErrorMaxAllowEqual,
+                                  "Invalid maxallowequal attribute"}));
 
 TEST_F(DecodeTest, AnEnumWithoutOptionsFailsAtTheMissingAttribute) {
   R5PropertySet set;
   EXPECT_FALSE(Decode("<Property name='first'/><Property name='x' type='enum'/>", set));
-  ExpectDecodeFailure(
-      {-655766, "No attribute found with name : enumopts", "VCUXmlHelper::GetAttribute", 0});
+  ExpectDecodeFailure({kXmlErrorNoAttribute, "No attribute found with name : enumopts",
+                       "VCUXmlHelper::GetAttribute", 0});
   EXPECT_EQ(set.GetCount(), 1);
 }
 

@@ -1,3 +1,4 @@
+#include <utilkit/properties/properties_errors.h>
 #include <utilkit/properties/user_defined_properties.h>
 #include <utilkit/xml/xml_helper.h>
 
@@ -48,9 +49,9 @@ TEST_F(UserPropertiesTest, AFailedSetPropDefEmptiesTheObject) {
   EXPECT_FALSE(
       user.SetPropDef(VCString("<Properties><Property name='x' type='date'/>"
                                "</Properties>")));
-  ExpectErrors({{-656168, "Unsupported property type: date",
+  ExpectErrors({{kPropertiesErrorUnsupportedType, "Unsupported property type: date",
                  "VCUUserDefinedProperties::DecodeUserPropDef", 0},
-                {-656161, props_test::kSyntaxError, props_test::kDecodeAt, 1}});
+                {kPropertiesErrorSyntax, props_test::kSyntaxError, props_test::kDecodeAt, 1}});
   EXPECT_EQ(user.GetPropDef(), "");
   EXPECT_EQ(user.GetPropertyNames().GetSize(), 0);
   EXPECT_EQ(user.GetPropertySet().GetCount(), 0);
@@ -81,14 +82,16 @@ class MandatoryTest : public props_test::UserPropsTest {
 
 TEST_F(MandatoryTest, AnEmptyMandatoryStringFails) {
   EXPECT_FALSE(user.ValidateMandatoryInSet(&set));
-  ExpectErrors({{-656169, "Mandatory property is not defined: Operator", kValidateAt, 0}});
+  ExpectErrors(
+      {{kPropertiesErrorMandatory, "Mandatory property is not defined: Operator", kValidateAt, 0}});
 }
 
 TEST_F(MandatoryTest, AnUndefinedMandatoryNumberFailsAndLaterOnesAreNotExamined) {
   set.GetProperty("Operator")->SetValueText("Ann");
   set.GetProperty("Unit")->SetMandatory(true);  // not defined either
   EXPECT_FALSE(user.ValidateMandatoryInSet(&set));
-  ExpectErrors({{-656169, "Mandatory property is not defined: Runs", kValidateAt, 0}});
+  ExpectErrors(
+      {{kPropertiesErrorMandatory, "Mandatory property is not defined: Runs", kValidateAt, 0}});
 }
 
 TEST_F(MandatoryTest, AMandatoryStringWithTextMustAlsoBeDefined) {
@@ -107,7 +110,8 @@ TEST_F(MandatoryTest, TheFlagsOfTheGivenSetDecide) {
   EXPECT_TRUE(user.ValidateMandatoryInSet(&set));
   set.GetProperty("Unit")->SetMandatory(true);
   EXPECT_FALSE(user.ValidateMandatoryInSet(&set));
-  ExpectErrors({{-656169, "Mandatory property is not defined: Unit", kValidateAt, 0}});
+  ExpectErrors(
+      {{kPropertiesErrorMandatory, "Mandatory property is not defined: Unit", kValidateAt, 0}});
 }
 
 TEST_F(MandatoryTest, APropertyMissingFromTheSetFails) {
@@ -115,7 +119,8 @@ TEST_F(MandatoryTest, APropertyMissingFromTheSetFails) {
   set.GetProperty("Runs")->SetValueText("3");
   set.RemoveProperty("Unit");
   EXPECT_FALSE(user.ValidateMandatoryInSet(&set));
-  ExpectErrors({{-656169, "Mandatory property is not defined: Unit", kValidateAt, 0}});
+  ExpectErrors(
+      {{kPropertiesErrorMandatory, "Mandatory property is not defined: Unit", kValidateAt, 0}});
 }
 
 TEST_F(UserPropertiesTest, UpdateAddsReplacesAndRemovesUserDefinedProperties) {
@@ -243,9 +248,9 @@ TEST_F(UserPropertiesTest, CopyPropertyValueBetweenTypesFails) {
   R5LongProperty source("a", 3);
   R5HugeProperty target("b", 7);
   EXPECT_FALSE(VCUUserDefinedProperties::CopyPropertyValue(&source, &target));
-  ExpectErrors(
-      {{-656170, "The data types of the properties passed to CopyPropertyValue are not the same.",
-        kCopyAt, 0}});
+  ExpectErrors({{kPropertiesErrorCopyTypes,
+                 "The data types of the properties passed to CopyPropertyValue are not the same.",
+                 kCopyAt, 0}});
   EXPECT_EQ(target.Get(), 7);
 }
 
@@ -263,7 +268,7 @@ TEST_F(UserPropertiesTest, CopyPropertyValueOfAnUnknownTypeFails) {
   Colour source("a", "red");
   Colour target("b", "blue");
   EXPECT_FALSE(VCUUserDefinedProperties::CopyPropertyValue(&source, &target));
-  ExpectErrors({{-656171, "Invalid property type: 1007", kCopyAt, 0}});
+  ExpectErrors({{kPropertiesErrorType, "Invalid property type: 1007", kCopyAt, 0}});
   EXPECT_EQ(target.Get(), "blue");
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <utilkit/base/error_stack.h>
+#include <utilkit/properties/properties_errors.h>
 #include <utilkit/properties/user_defined_properties.h>
 
 namespace props_test {
@@ -49,7 +50,7 @@ class UserPropsTest : public ::testing::Test {
 
   // The failing record `specific` followed by the summary record of a decode.
   static void ExpectDecodeFailure(const Record& specific) {
-    ExpectErrors({specific, {-656161, kSyntaxError, kDecodeAt, 1}});
+    ExpectErrors({specific, {kPropertiesErrorSyntax, kSyntaxError, kDecodeAt, 1}});
   }
 };
 

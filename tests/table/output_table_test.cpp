@@ -1,6 +1,7 @@
 // The processor's pipeline as its output table shows it: computed columns,
 // and the filter, compressions and sort run in their fixed order.
 #include <utilkit/table/output_table.h>
+#include <utilkit/table/table_errors.h>
 
 #include <gtest/gtest.h>
 
@@ -18,7 +19,7 @@ using table_test::Errors;
 
 namespace {
 
-const Error kSummary{-655963, "Failed to process filtering and sorting on table",
+const Error kSummary{kTableErrorProcessFailed, "Failed to process filtering and sorting on table",
                      "VCUTableProcessor::Process", 1};
 
 class OutputTableTest : public ::testing::Test {
@@ -136,13 +137,15 @@ TEST_F(OutputTableTest, ComputedColumnsRefuseOtherReaders) {
   EXPECT_FALSE(out->GetStatusValues(0, 1, 1, &status));
   EXPECT_FALSE(out->GetValues_T(1, 1, 1, &texts));
   EXPECT_FALSE(out->GetValues_D(0, 5, 2, &value));
-  EXPECT_EQ(Errors(), (std::vector<Error>{
-                          {-655974, "Column index out of range", "VCUOutputTable::GetValues_D"},
-                          {1, "Column type mismatch", "VCUOutputTable::GetValues_H"},
-                          {1, "Column type mismatch", "VCUOutputTable::GetValues_D"},
-                          {1, "Column has no status data", "VCUOutputTable::GetStatusValues"},
-                          {1, "Column type mismatch", "VCUOutputTable::GetValues_T"},
-                          {-655975, "Row number out of range", "VCUOutputTable::GetValues_D"}}));
+  EXPECT_EQ(
+      Errors(),
+      (std::vector<Error>{
+          {kTableErrorColumnIndex, "Column index out of range", "VCUOutputTable::GetValues_D"},
+          {1, "Column type mismatch", "VCUOutputTable::GetValues_H"},
+          {1, "Column type mismatch", "VCUOutputTable::GetValues_D"},
+          {1, "Column has no status data", "VCUOutputTable::GetStatusValues"},
+          {1, "Column type mismatch", "VCUOutputTable::GetValues_T"},
+          {kTableErrorRowNumber, "Row number out of range", "VCUOutputTable::GetValues_D"}}));
 }
 
 // Rows (Id, K, G, V). Each step's place in the order shows in the result:
@@ -206,23 +209,26 @@ TEST_F(OutputTableTest, ValidateStopsAtTheFirstBadStep) {
   processor.AddOutputColumn(&unnamed);
   processor.SetSort(&empty);
   EXPECT_FALSE(processor.Process());
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655977, "Keyword has not been defined for new column",
-                                           "VCUTableNewColumn::Validate"},
-                                          kSummary}));
+  EXPECT_EQ(Errors(), (std::vector<Error>{
+                          {kTableErrorNoKeyword, "Keyword has not been defined for new column",
+                           "VCUTableNewColumn::Validate"},
+                          kSummary}));
   VFErrorClear();
   unnamed.SetKeyword("Copy");
   EXPECT_FALSE(processor.Process());
   EXPECT_EQ(Errors(),
             (std::vector<Error>{
-                {-655987, "No columns defined for sort operation", "VCUTableSort::Validate"},
-                {-655988, "Invalid sort operation configured", "VCUTableSort::Validate", 1},
+                {kTableErrorNoSortColumns, "No columns defined for sort operation",
+                 "VCUTableSort::Validate"},
+                {kTableErrorSort, "Invalid sort operation configured", "VCUTableSort::Validate", 1},
                 kSummary}));
   VFErrorClear();
   // A computed column is removed by its own keyword.
   EXPECT_TRUE(processor.RemoveOutputColumn("COPY"));
   EXPECT_FALSE(processor.Validate());
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655972, "No output columns defined for table",
-                                           "VCUTableProcessor::Validate"}}));
+  EXPECT_EQ(Errors(),
+            (std::vector<Error>{{kTableErrorNoOutputColumns, "No output columns defined for table",
+                                 "VCUTableProcessor::Validate"}}));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <utilkit/table/table_compress.h>
+#include <utilkit/table/table_errors.h>
 
 #include <gtest/gtest.h>
 
@@ -179,15 +180,15 @@ TEST_F(TableCompressTest, InvalidSelectTypeIsRefused) {
   ASSERT_TRUE(compress.SetSelectType(VTCompressType::Minimum));
   EXPECT_FALSE(compress.SetSelectType(static_cast<VTCompressType>(3)));
   EXPECT_EQ(compress.GetSelectType(), VTCompressType::Minimum);
-  EXPECT_EQ(Errors(),
-            (std::vector<Error>{{-655980, "Invalid selection type set for Compression operation.",
-                                 "VCUTableCompress::SetSelectType"}}));
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorSelectionType,
+                                           "Invalid selection type set for Compression operation.",
+                                           "VCUTableCompress::SetSelectType"}}));
 }
 
 TEST_F(TableCompressTest, ValidateErrors) {
   VCUTableMemory table = SmallTable();
   VCUTableData* data = Merge({&table});
-  const Error summary{-655983, "Invalid compression operation configured",
+  const Error summary{kTableErrorCompression, "Invalid compression operation configured",
                       "VCUTableCompress::Validate", 1};
   auto check = [&](VCUTableCompress& compress, const Error& cause) {
     EXPECT_FALSE(compress.Validate(data));
@@ -196,18 +197,21 @@ TEST_F(TableCompressTest, ValidateErrors) {
   };
   VCUTableCompress noSearch(0);
   noSearch.SetSelectColumn("B");
-  check(noSearch, {-655981, "No search columns configured", "VCUTableCompress::Validate"});
+  check(noSearch,
+        {kTableErrorNoSearchColumns, "No search columns configured", "VCUTableCompress::Validate"});
   VCUTableCompress noSelect(0);
   noSelect.AddSearchColumn("A");
-  check(noSelect, {-655982, "No select column configured", "VCUTableCompress::Validate"});
+  check(noSelect,
+        {kTableErrorNoSelectColumn, "No select column configured", "VCUTableCompress::Validate"});
   VCUTableCompress unknown(0);
   Configure(unknown, VTCompressType::Maximum, "Missing");
-  check(unknown, {-655968, "Column not found: Missing", "VCUTable::GetColIndexFromKeyword"});
+  check(unknown, {kTableErrorColumnNotFound, "Column not found: Missing",
+                  "VCUTable::GetColIndexFromKeyword"});
   VCUTableCompress sumOfLong(0);
   sumOfLong.AddSearchColumn("B");
   sumOfLong.SetSelectColumn("A");
   sumOfLong.SetSelectType(VTCompressType::Sum);
-  check(sumOfLong, {-656000, "Invalid type for writable column in VCUTableData",
+  check(sumOfLong, {kTableErrorWritableType, "Invalid type for writable column in VCUTableData",
                     "VCUTableCompress::Validate"});
   EXPECT_EQ(noSearch.GetSelectColumn(), VCString("B"));
   EXPECT_EQ(noSelect.GetSearchColumns().GetSize(), 1);

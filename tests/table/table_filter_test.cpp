@@ -1,4 +1,5 @@
 #include <utilkit/table/memory_table.h>
+#include <utilkit/table/table_errors.h>
 #include <utilkit/table/table_filter_and.h>
 #include <utilkit/table/table_filter_basic.h>
 #include <utilkit/table/table_filter_or.h>
@@ -180,23 +181,25 @@ TEST_F(TableFilterTest, BasicFilterErrors) {
   EXPECT_FALSE(filter.SetCompare(static_cast<VTTableFilterCompare>(11)));
   EXPECT_FALSE(filter.SetCompare(static_cast<VTTableFilterCompare>(-1)));
   EXPECT_FALSE(filter.Validate(&table));  // still Contains
-  EXPECT_EQ(
-      Errors(),
-      (std::vector<Error>{
-          {-655966, "Invalid comparison set for filter", "VCUTableFilterBasic::SetCompare"},
-          {-655966, "Invalid comparison set for filter", "VCUTableFilterBasic::SetCompare"},
-          {-655997, "Filter is only valid for string columns", "VCUTableFilterBasic::Validate"}}));
+  EXPECT_EQ(Errors(),
+            (std::vector<Error>{{kTableErrorComparison, "Invalid comparison set for filter",
+                                 "VCUTableFilterBasic::SetCompare"},
+                                {kTableErrorComparison, "Invalid comparison set for filter",
+                                 "VCUTableFilterBasic::SetCompare"},
+                                {kTableErrorStringFilter, "Filter is only valid for string columns",
+                                 "VCUTableFilterBasic::Validate"}}));
   VFErrorClear();
   filter.SetColumnKeyword("Nope");
   EXPECT_FALSE(filter.Validate(&table));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655968, "Column not found: Nope",
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorColumnNotFound, "Column not found: Nope",
                                            "VCUTable::GetColIndexFromKeyword"}}));
   VFErrorClear();
   table_test::HostTable host(static_cast<VTTableDataType>(9));
   filter.SetColumnKeyword("value");
   filter.SetCompare(VTTableFilterCompare::Equal);
   EXPECT_FALSE(filter.Validate(&host));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655970, "Unknown column data type used for filter",
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorFilterColumnType,
+                                           "Unknown column data type used for filter",
                                            "VCUTableFilterBasic::Validate"}}));
   VFErrorClear();
   filter.SetColumnKeyword("D");
@@ -213,10 +216,11 @@ TEST_F(TableFilterTest, CompoundFiltersNeedTwoSubFilters) {
   EXPECT_FALSE(both.Validate(&table));
   either.SetFilters(new RecordingFilter({}), nullptr);
   EXPECT_FALSE(either.Validate(&table));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655991, "AND filter must have two sub-filters assigned",
-                                           "VCUTableFilterAND::Validate"},
-                                          {-655992, "OR filter must have two sub-filters assigned",
-                                           "VCUTableFilterOR::Validate"}}));
+  EXPECT_EQ(Errors(), (std::vector<Error>{
+                          {kTableErrorAndOperands, "AND filter must have two sub-filters assigned",
+                           "VCUTableFilterAND::Validate"},
+                          {kTableErrorOrOperands, "OR filter must have two sub-filters assigned",
+                           "VCUTableFilterOR::Validate"}}));
 }
 
 TEST_F(TableFilterTest, CompoundFiltersShortCircuit) {
@@ -305,10 +309,10 @@ TEST_F(TableFilterTest, ProcessReportsTheFailingRowOfAFilter) {
   filter.SetCompare(VTTableFilterCompare::GreaterThan);
   processor.SetFilter(&filter);
   EXPECT_FALSE(processor.Process());
-  EXPECT_EQ(Errors(),
-            (std::vector<Error>{table_test::MemoryError("Invalid row number"),
-                                {-655963, "Failed to process filtering and sorting on table",
-                                 "VCUTableProcessor::Process", 1}}));
+  EXPECT_EQ(Errors(), (std::vector<Error>{table_test::MemoryError("Invalid row number"),
+                                          {kTableErrorProcessFailed,
+                                           "Failed to process filtering and sorting on table",
+                                           "VCUTableProcessor::Process", 1}}));
 }
 
 }  // namespace

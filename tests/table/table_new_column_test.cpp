@@ -1,3 +1,4 @@
+#include <utilkit/table/table_errors.h>
 #include <utilkit/table/table_new_column.h>
 
 #include <gtest/gtest.h>
@@ -55,7 +56,7 @@ TEST_F(NewColumnTest, VariablesResolveIgnoringCaseAndStatusIdsStartAt1000) {
   EXPECT_FALSE(calc.GetVariableId("Force", &id));
   EXPECT_TRUE(Errors().empty());
   EXPECT_FALSE(calc.GetVariableId("#Missing#", &id));
-  EXPECT_EQ(Errors().at(0).code, -655968);
+  EXPECT_EQ(Errors().at(0).code, kTableErrorColumnNotFound);
   VFErrorClear();
   calc.SetRow(2);
   double value = 0;
@@ -64,7 +65,7 @@ TEST_F(NewColumnTest, VariablesResolveIgnoringCaseAndStatusIdsStartAt1000) {
   EXPECT_TRUE(calc.GetVariableValue(1, &value));
   EXPECT_EQ(value, 4);
   EXPECT_FALSE(calc.GetVariableValue(2, &value));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655974, "Column index out of range",
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorColumnIndex, "Column index out of range",
                                            "VCUNewColCalculator::GetVariableValue"}}));
 }
 
@@ -128,9 +129,8 @@ TEST_F(NewColumnTest, DivideByColumn) {
   ASSERT_TRUE(column.CalculateRowValue_D(&m_table, 2, &value));
   EXPECT_EQ(value, 2.5);
   EXPECT_FALSE(column.CalculateRowValue_D(&m_table, 3, &value));
-  EXPECT_EQ(
-      Errors(),
-      (std::vector<Error>{{-656002, "Divide by zero", "VCUTableNewColumn::CalculateRowValue_D"}}));
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorDivideByZero, "Divide by zero",
+                                           "VCUTableNewColumn::CalculateRowValue_D"}}));
   VFErrorClear();
   column.SetDivZeroTrap(1, -1);
   ASSERT_TRUE(column.CalculateRowValue_D(&m_table, 3, &value));
@@ -161,7 +161,7 @@ TEST_F(NewColumnTest, RowIndex) {
   EXPECT_EQ(value, 1);
   double d = 0;
   EXPECT_FALSE(column.CalculateRowValue_D(&m_table, 1, &d));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655994,
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorExpressionType,
                                            "Virtual column with an expression can only return a "
                                            "Double value",
                                            "VCUTableNewColumn::CalculateRowValue_D"}}));
@@ -169,7 +169,7 @@ TEST_F(NewColumnTest, RowIndex) {
   column.SetExpression("#Force#");  // back to an expression
   EXPECT_EQ(column.GetType(), VTTableDataType::Double);
   EXPECT_FALSE(column.CalculateRowValue_H(&m_table, 1, &value));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655995,
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorRowIndexType,
                                            "Virtual column with an expression can only return a "
                                            "Double value",
                                            "VCUTableNewColumn::CalculateRowValue_H"}}));
@@ -190,27 +190,27 @@ TEST_F(NewColumnTest, StatusIsCopiedFromTheSourceColumn) {
 TEST_F(NewColumnTest, ValidateErrors) {
   VCUTableNewColumn column;
   EXPECT_FALSE(column.Validate(&m_table));
-  EXPECT_EQ(
-      Errors(),
-      (std::vector<Error>{{-655977, "Keyword has not been defined for new column", kValidate}}));
+  EXPECT_EQ(Errors(),
+            (std::vector<Error>{
+                {kTableErrorNoKeyword, "Keyword has not been defined for new column", kValidate}}));
   VFErrorClear();
   column.SetKeyword("Stress");
   EXPECT_FALSE(column.Validate(&m_table));
   EXPECT_EQ(Errors(),
-            (std::vector<Error>{
-                {-655978, "No expression has been set for new column: Stress", kValidate}}));
+            (std::vector<Error>{{kTableErrorNoExpression,
+                                 "No expression has been set for new column: Stress", kValidate}}));
   VFErrorClear();
   column.SetExpression("#Force#");
   column.SetHasStatus(1);
   EXPECT_FALSE(column.Validate(&m_table));
-  EXPECT_EQ(
-      Errors(),
-      (std::vector<Error>{
-          {-655979, "No source column has been set for new status column: Stress", kValidate}}));
+  EXPECT_EQ(Errors(),
+            (std::vector<Error>{{kTableErrorNoStatusSource,
+                                 "No source column has been set for new status column: Stress",
+                                 kValidate}}));
   VFErrorClear();
   column.SetStatusColumn("Area");
   EXPECT_FALSE(column.Validate(&m_table));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655986,
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorNoStatus,
                                            "Status column is set to be copied from an input column "
                                            "which has no status: Stress",
                                            kValidate}}));

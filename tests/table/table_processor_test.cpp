@@ -1,5 +1,6 @@
 #include <utilkit/base/preference_system.h>
 #include <utilkit/table/memory_table.h>
+#include <utilkit/table/table_errors.h>
 #include <utilkit/table/table_processor.h>
 
 #include <gtest/gtest.h>
@@ -17,7 +18,7 @@ using table_test::Errors;
 namespace {
 
 constexpr const char* kRowLimit = "/Libraries/utilkit/MaximumTableProcessorRows";
-const Error kSummary{-655963, "Failed to process filtering and sorting on table",
+const Error kSummary{kTableErrorProcessFailed, "Failed to process filtering and sorting on table",
                      "VCUTableProcessor::Process", 1};
 
 class TableProcessorTest : public ::testing::Test {
@@ -169,7 +170,7 @@ TEST_F(TableProcessorTest, AllColumnsRefuseAKeywordOfTwoTypes) {
   ASSERT_TRUE(processor->Process());  // common columns: Force is simply left out
   processor->AddAllInputColsToOutput(0);
   EXPECT_FALSE(processor->Process());
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655969,
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorColumnTypesDiffer,
                                            "Columns must be same type in all input tables. "
                                            "Bad column: Force",
                                            "VCUTableProcessor::GetColIndeces"},
@@ -187,7 +188,7 @@ TEST_F(TableProcessorTest, GetColIndeces) {
   EXPECT_EQ(std::vector<char>(has.begin(), has.end()), (std::vector<char>{1, 0}));
   EXPECT_EQ(type, VTTableDataType::Double);
   EXPECT_FALSE(processor->GetColIndeces("Extra", &indices, &has, &type));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655968, "Column not found: Extra",
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorColumnNotFound, "Column not found: Extra",
                                            "VCUTable::GetColIndexFromKeyword"}}));
   VFErrorClear();
   processor->AddAllInputColsToOutput(0);
@@ -195,7 +196,7 @@ TEST_F(TableProcessorTest, GetColIndeces) {
   EXPECT_EQ(std::vector<int32_t>(indices.begin(), indices.end()), (std::vector<int32_t>{-1, 2}));
   EXPECT_EQ(type, VTTableDataType::Float);
   EXPECT_FALSE(processor->GetColIndeces("Nope", &indices, &has, &type));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655968, "Column not found: Nope",
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorColumnNotFound, "Column not found: Nope",
                                            "VCUTableProcessor::GetColIndeces"}}));
 }
 
@@ -227,35 +228,36 @@ TEST_F(TableProcessorTest, WithSelectedRowsATableAddedWholeAddsNoRows) {
 
 TEST_F(TableProcessorTest, ConfigurationErrors) {
   EXPECT_FALSE(processor->Process());
-  EXPECT_EQ(Errors(),
-            (std::vector<Error>{{-655971, "No input tables defined", "VCUTableProcessor::Validate"},
-                                kSummary}));
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorNoInputTables, "No input tables defined",
+                                           "VCUTableProcessor::Validate"},
+                                          kSummary}));
   VFErrorClear();
   ASSERT_TRUE(processor->AddInputTable(&a));
   EXPECT_FALSE(processor->AddInputTable(&a));
-  EXPECT_EQ(Errors(),
-            (std::vector<Error>{{-655961, "Table has already been added to the operation list",
-                                 "VCUTableProcessor::AddInputTable"}}));
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorTableAddedTwice,
+                                           "Table has already been added to the operation list",
+                                           "VCUTableProcessor::AddInputTable"}}));
   VFErrorClear();
   EXPECT_FALSE(processor->RemoveInputTable(&b));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655962,
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorTableNotDefined,
                                            "Attempt to remove a table from the table processor "
                                            "which is not defined",
                                            "VCUTableProcessor::RemoveInputTable"}}));
   VFErrorClear();
   EXPECT_FALSE(processor->Validate());
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655972, "No output columns defined for table",
-                                           "VCUTableProcessor::Validate"}}));
+  EXPECT_EQ(Errors(),
+            (std::vector<Error>{{kTableErrorNoOutputColumns, "No output columns defined for table",
+                                 "VCUTableProcessor::Validate"}}));
   VFErrorClear();
   processor->AddOutputColumn("Name");
   processor->AddOutputColumn("Nope");
   EXPECT_FALSE(processor->Process());
-  EXPECT_EQ(Errors(), (std::vector<Error>{
-                          {-655968, "Column not found: Nope", "VCUTable::GetColIndexFromKeyword"},
-                          kSummary}));
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorColumnNotFound, "Column not found: Nope",
+                                           "VCUTable::GetColIndexFromKeyword"},
+                                          kSummary}));
   VFErrorClear();
   EXPECT_FALSE(processor->RemoveOutputColumn("Other"));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655968, "Column not found: Other",
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorColumnNotFound, "Column not found: Other",
                                            "VCUTableProcessor::RemoveOutputColumn"}}));
   VFErrorClear();
   ASSERT_TRUE(processor->RemoveOutputColumn("NOPE"));
@@ -265,13 +267,13 @@ TEST_F(TableProcessorTest, ConfigurationErrors) {
 TEST_F(TableProcessorTest, SelectedRowsOutOfRange) {
   const int64_t rows[] = {1, 4};
   EXPECT_FALSE(processor->AddInputTable(&a, rows, 2));
-  EXPECT_EQ(Errors(),
-            (std::vector<Error>{{-655999, "Out of range row number passed to AddInputTable",
-                                 "VCUTableProcessor::AddInputTable"}}));
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorInputRow,
+                                           "Out of range row number passed to AddInputTable",
+                                           "VCUTableProcessor::AddInputTable"}}));
   VFErrorClear();
   const int64_t zero[] = {0};
   EXPECT_FALSE(processor->AddInputTable(&b, zero, 1));
-  EXPECT_EQ(Errors()[0].code, -655999);
+  EXPECT_EQ(Errors()[0].code, kTableErrorInputRow);
 }
 
 TEST_F(TableProcessorTest, RowLimitAtTheLimitAndOneOver) {
@@ -287,7 +289,7 @@ TEST_F(TableProcessorTest, RowLimitAtTheLimitAndOneOver) {
   c.SetNumRows(1);
   processor->AddInputTable(&c);
   EXPECT_FALSE(processor->Process());
-  const Error tooMany{-655964,
+  const Error tooMany{kTableErrorTooManyRows,
                       "Too many table rows to perform sort and filter. You can increase \nthe "
                       "limit via the preference /Libraries/utilkit/MaximumTableProcessorRows",
                       "VCUTableProcessor::Process"};
@@ -312,11 +314,11 @@ TEST_F(TableProcessorTest, RowLimitDefaultAndCap) {
     if (preference >= 0) VCPreferenceSystem::SetHugeValue(kRowLimit, preference);
     processor = std::make_unique<VCUTableProcessor>();
     EXPECT_FALSE(processor->AddInputTable(&a, rows, limit + 1));
-    EXPECT_EQ(Errors().at(0).code, -655964);
+    EXPECT_EQ(Errors().at(0).code, kTableErrorTooManyRows);
     VFErrorClear();
     processor = std::make_unique<VCUTableProcessor>();
     EXPECT_FALSE(processor->AddInputTable(&a, rows, limit));
-    EXPECT_EQ(Errors().at(0).code, -655999);
+    EXPECT_EQ(Errors().at(0).code, kTableErrorInputRow);
     VFErrorClear();
   }
 }
@@ -335,13 +337,15 @@ TEST_F(TableProcessorTest, ViewsCheckColumnsAndRows) {
   EXPECT_FALSE(out->GetValues_D(0, 0, 1, d));
   int32_t index;
   EXPECT_FALSE(merged->GetInputTableIndexForRow(4, &index));
-  EXPECT_EQ(Errors(),
-            (std::vector<Error>{
-                {-655974, "Column index out of range", "VCUTableData::GetValues_D"},
-                {-655975, "Row number out of range", "VCUTableData::GetValues_D"},
-                {-655974, "Column index out of range", "VCUOutputTable::GetValues_D"},
-                {-655975, "Row number out of range", "VCUOutputTable::GetValues_D"},
-                {-655975, "Row number out of range", "VCUTableData::GetInputTableIndexForRow"}}));
+  EXPECT_EQ(
+      Errors(),
+      (std::vector<Error>{
+          {kTableErrorColumnIndex, "Column index out of range", "VCUTableData::GetValues_D"},
+          {kTableErrorRowNumber, "Row number out of range", "VCUTableData::GetValues_D"},
+          {kTableErrorColumnIndex, "Column index out of range", "VCUOutputTable::GetValues_D"},
+          {kTableErrorRowNumber, "Row number out of range", "VCUOutputTable::GetValues_D"},
+          {kTableErrorRowNumber, "Row number out of range",
+           "VCUTableData::GetInputTableIndexForRow"}}));
   VFErrorClear();
   // Changing the inputs drops the merged columns until the next Process.
   processor->RemoveInputTable(&a);
@@ -375,14 +379,16 @@ TEST_F(TableProcessorTest, WritableColumns) {
   ASSERT_TRUE(merged->WriteInputColStatusValue(1, 4, 0x0001));
   EXPECT_FALSE(merged->WriteInputColValue(1, 6, 1.0));
   EXPECT_FALSE(merged->WriteInputColValue(7, 1, 1.0));
-  EXPECT_EQ(Errors(),
-            (std::vector<Error>{
-                {-656000, "Invalid type for writable column in VCUTableData",
-                 "VCUTableData::SetColWritable"},
-                {-656001, "Attempt to write to a column that is not writable",
-                 "VCUTableData::WriteInputColValue"},
-                {-655975, "Row number out of range", "VCUTableData::WriteInputColValue"},
-                {-655974, "Column index out of range", "VCUTableData::WriteInputColValue"}}));
+  EXPECT_EQ(
+      Errors(),
+      (std::vector<Error>{
+          {kTableErrorWritableType, "Invalid type for writable column in VCUTableData",
+           "VCUTableData::SetColWritable"},
+          {kTableErrorNotWritable, "Attempt to write to a column that is not writable",
+           "VCUTableData::WriteInputColValue"},
+          {kTableErrorRowNumber, "Row number out of range", "VCUTableData::WriteInputColValue"},
+          {kTableErrorColumnIndex, "Column index out of range",
+           "VCUTableData::WriteInputColValue"}}));
   EXPECT_EQ(OutputDoubles(0), (std::vector<double>{1, 2, 3, 40, 5}));
   uint16_t status[5];
   ASSERT_TRUE(processor->GetOutputTable()->GetStatusValues(0, 3, 2, status));
@@ -462,9 +468,9 @@ TEST_F(TableProcessorTest, WritableColumnWithoutStatusRefusesStatusWrites) {
   VCUTableData* merged = processor->GetInputData();
   ASSERT_TRUE(merged->SetColWritable(1));
   EXPECT_FALSE(merged->WriteInputColStatusValue(1, 1, 0x8000));
-  EXPECT_EQ(Errors(),
-            (std::vector<Error>{{-656001, "Attempt to write to a column that is not writable",
-                                 "VCUTableData::WriteInputColStatusValue"}}));
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorNotWritable,
+                                           "Attempt to write to a column that is not writable",
+                                           "VCUTableData::WriteInputColStatusValue"}}));
 }
 
 }  // namespace

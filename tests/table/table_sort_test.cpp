@@ -1,3 +1,4 @@
+#include <utilkit/table/table_errors.h>
 #include <utilkit/table/table_sort.h>
 
 #include <gtest/gtest.h>
@@ -95,31 +96,32 @@ TEST_F(TableSortTest, ValidateErrors) {
   table.AddCol("K", 1, k);
   table.AddCol("Other", 1, k);
   table.SetNumRows(1);
-  const Error summary{-655988, "Invalid sort operation configured", "VCUTableSort::Validate", 1};
+  const Error summary{kTableErrorSort, "Invalid sort operation configured",
+                      "VCUTableSort::Validate", 1};
 
   VCUTableSort none;
   EXPECT_FALSE(none.Validate(&table));
-  EXPECT_EQ(
-      Errors(),
-      (std::vector<Error>{
-          {-655987, "No columns defined for sort operation", "VCUTableSort::Validate"}, summary}));
+  EXPECT_EQ(Errors(),
+            (std::vector<Error>{{kTableErrorNoSortColumns, "No columns defined for sort operation",
+                                 "VCUTableSort::Validate"},
+                                summary}));
   VFErrorClear();
 
   VCUTableSort category;
   category.AddColumn("K", 1, 1);
   category.SetCategory("Other", 1);
   EXPECT_FALSE(category.Validate(&table));
-  EXPECT_EQ(Errors(),
-            (std::vector<Error>{{-655996, "The category column must be one of the sort columns.",
-                                 "VCUTableSort::Validate"},
-                                summary}));
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorCategoryColumn,
+                                           "The category column must be one of the sort columns.",
+                                           "VCUTableSort::Validate"},
+                                          summary}));
   VFErrorClear();
 
   VCUTableSort unknown;
   unknown.AddColumn("Missing", 1, 1);
   EXPECT_FALSE(unknown.Validate(&table));
   ASSERT_EQ(Errors().size(), 2u);
-  EXPECT_EQ(Errors()[0].code, -655968);
+  EXPECT_EQ(Errors()[0].code, kTableErrorColumnNotFound);
   EXPECT_EQ(Errors()[0].message, "Column not found: Missing");
   EXPECT_EQ(Errors()[1], summary);
 }
@@ -133,9 +135,9 @@ TEST_F(TableSortTest, FailedReadFailsTheSort) {
   rows.Add(1);
   rows.Add(2);
   EXPECT_FALSE(sort.DoSort(&table, rows));
-  EXPECT_EQ(Errors(),
-            (std::vector<Error>{{7, "refused", "HostTable"},
-                                {-655989, "Sort operation failed", "VCUTableSort::DoSort", 1}}));
+  EXPECT_EQ(Errors(), (std::vector<Error>{{7, "refused", "HostTable"},
+                                          {kTableErrorSortFailed, "Sort operation failed",
+                                           "VCUTableSort::DoSort", 1}}));
 }
 
 }  // namespace

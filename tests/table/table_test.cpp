@@ -1,5 +1,6 @@
 #include <utilkit/table/memory_table.h>
 #include <utilkit/table/table.h>
+#include <utilkit/table/table_errors.h>
 
 #include <gtest/gtest.h>
 
@@ -75,12 +76,12 @@ TEST_F(TableTest, GetValueReadsEachTypeWithItsOwnWidth) {
 TEST_F(TableTest, GetValueFailures) {
   VCVariant v(1.0);
   EXPECT_FALSE(table.GetValue(0, 1, &v, static_cast<VTTableDataType>(8)));
-  EXPECT_EQ(Errors(),
-            (std::vector<Error>{{-655990, "Invalid column type specified", "VCUTable::GetValue"}}));
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorColumnType, "Invalid column type specified",
+                                           "VCUTable::GetValue"}}));
   VFErrorClear();
   HostTable host(static_cast<VTTableDataType>(9));
   EXPECT_FALSE(host.GetValue(0, 1, &v, VTTableDataType::None));
-  EXPECT_EQ(Errors()[0].code, -655990);
+  EXPECT_EQ(Errors()[0].code, kTableErrorColumnType);
   VFErrorClear();
   // A failed read leaves the variant untouched and adds nothing.
   EXPECT_FALSE(table.GetValue(0, 3, &v, VTTableDataType::None));
@@ -106,12 +107,12 @@ TEST_F(TableTest, KeywordLookupIgnoresCaseAndReportsTheKeyword) {
   EXPECT_EQ(index, 4);
   EXPECT_FALSE(table.GetColIndexFromKeyword("Force", &index));
   EXPECT_EQ(index, -1);
-  EXPECT_EQ(Errors(), (std::vector<Error>{{-655968, "Column not found: Force",
+  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorColumnNotFound, "Column not found: Force",
                                            "VCUTable::GetColIndexFromKeyword"}}));
   VFErrorClear();
   VCUTableMemory empty("Empty");
   EXPECT_FALSE(empty.GetColIndexFromKeyword("ElementId", &index));
-  EXPECT_EQ(Errors()[0].code, -655968);
+  EXPECT_EQ(Errors()[0].code, kTableErrorColumnNotFound);
 }
 
 TEST_F(TableTest, BaseDefaultsOfAHostTable) {

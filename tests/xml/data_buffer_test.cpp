@@ -1,3 +1,4 @@
+#include <utilkit/base/base_errors.h>
 #include <utilkit/xml/data_buffer.h>
 
 #include <gtest/gtest.h>
@@ -157,8 +158,8 @@ TEST_F(DataBufferTest, AppendBeyondThe32BitLimitIsRefusedAndKeepsTheBuffer) {
   EXPECT_EQ(Contents(b), "abc");
   const VCErrorRecord* e = VFGetUtLibError();
   ASSERT_NE(e, nullptr);
-  EXPECT_EQ(VFErrorGetCode(e), -655577);
-  EXPECT_STREQ(VFErrorGetMessage(e), VFTextGet(VFGetUtilKitText(), -655577));
+  EXPECT_EQ(VFErrorGetCode(e), kErrorOutOfMemory);
+  EXPECT_STREQ(VFErrorGetMessage(e), VFTextGet(VFGetUtilKitText(), kErrorOutOfMemory));
   EXPECT_STREQ(VFErrorGetLocation(e), "VCUDataBuffer::Append");
 }
 
@@ -175,8 +176,8 @@ TEST_F(DataBufferTest, FailedGrowthRecordsTheSizeAndLosesTheBlock) {
   EXPECT_EQ(b.GetBasePtr(), nullptr);
   const VCErrorRecord* e = VFGetUtLibError();
   ASSERT_NE(e, nullptr);
-  EXPECT_EQ(VFErrorGetCode(e), -655577);
-  EXPECT_STREQ(VFErrorGetMessage(e), VFTextGet(VFGetUtilKitText(), -655577));
+  EXPECT_EQ(VFErrorGetCode(e), kErrorOutOfMemory);
+  EXPECT_STREQ(VFErrorGetMessage(e), VFTextGet(VFGetUtilKitText(), kErrorOutOfMemory));
   EXPECT_STREQ(VFErrorGetLocation(e), "VCUDataBuffer::SetAllocSize");
   EXPECT_EQ(VFErrorGetFlag(e), 0);
   // The old block is not freed by the buffer.

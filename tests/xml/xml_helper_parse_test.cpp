@@ -7,6 +7,8 @@
 #include <fstream>
 #include <string>
 
+#include <utilkit/base/base_errors.h>
+#include <utilkit/xml/xml_errors.h>
 #include "xml/xml_test_support.h"
 
 namespace {
@@ -28,7 +30,7 @@ class ParseXmlTest : public xml_test::XmlTest {
   }
   void ExpectParseFailure() {
     ASSERT_EQ(VFErrorGetCount(), 1u) << VFErrorGetFullString().c_str();
-    EXPECT_EQ(VFErrorGetCode(VFGetUtLibError()), -655761);
+    EXPECT_EQ(VFErrorGetCode(VFGetUtLibError()), kXmlErrorParse);
     EXPECT_STREQ(VFErrorGetLocation(VFGetUtLibError()), "VCUXmlHelper::ParseXml");
   }
   static std::string Message() { return VFErrorGetMessage(VFGetUtLibError()); }
@@ -54,7 +56,7 @@ TEST_F(ParseXmlTest, MalformedTextCarriesTheParsersMessage) {
   EXPECT_TRUE(Parse("<a><b></a>").isNull());
   ExpectParseFailure();
   EXPECT_FALSE(Message().empty());
-  EXPECT_NE(Message(), VFTextGet(VFGetUtilKitText(), -655761));
+  EXPECT_NE(Message(), VFTextGet(VFGetUtilKitText(), kXmlErrorParse));
   EXPECT_NE(Message().find("b"), std::string::npos) << Message();
 
   VFErrorClear();
@@ -166,7 +168,7 @@ TEST_F(ParseXmlTest, TextsAboveTheSizeCapAreRefusedUnread) {
   const char small[] = "<a/>";  // the length alone decides: the bytes are never touched
   EXPECT_TRUE(VCUXmlHelper::ParseXml(small, VCUXmlHelper::kMaxParseBytes + 1).isNull());
   ExpectParseFailure();
-  EXPECT_EQ(Message(), VFTextGet(VFGetUtilKitText(), -655761));
+  EXPECT_EQ(Message(), VFTextGet(VFGetUtilKitText(), kXmlErrorParse));
 }
 
 TEST_F(ParseXmlTest, NestingIsBoundedAndTheBoundCanBeRaised) {
@@ -205,7 +207,7 @@ TEST_F(ParseXmlTest, FromFileAddsNoErrorOfItsOwnWhenTheFileCannotBeRead) {
   ASSERT_GE(VFErrorGetCount(), 1u);
   for (const VCErrorRecord* e = VFGetUtLibError(); e; e = VFErrorGetNextErr(e)) {
     EXPECT_STRNE(VFErrorGetLocation(e), "VCUXmlHelper::ParseXmlFromFile");
-    EXPECT_NE(VFErrorGetCode(e), -655761);
+    EXPECT_NE(VFErrorGetCode(e), kXmlErrorParse);
   }
 }
 
@@ -214,7 +216,7 @@ TEST_F(ParseXmlTest, FromFileRefusesFilesAboveTheSizeCapUnread) {
   const std::string path = TempPath("huge.xml");
   std::filesystem::resize_file(WriteFile("huge.xml", "<a/>"), VCUXmlHelper::kMaxParseBytes + 1);
   EXPECT_TRUE(VCUXmlHelper::ParseXmlFromFile(path.c_str()).isNull());
-  ExpectOnlyError(-655761, "", "VCUXmlHelper::ParseXmlFromFile");
+  ExpectOnlyError(kXmlErrorParse, "", "VCUXmlHelper::ParseXmlFromFile");
   std::remove(path.c_str());
 }
 
@@ -224,7 +226,7 @@ TEST_F(ParseXmlTest, FromFileReportsAnArrayThatCannotBeAllocated) {
   const std::string path = TempPath("large.xml");
   std::filesystem::resize_file(WriteFile("large.xml", "<a/>"), 200 * 1024 * 1024);
   EXPECT_TRUE(VCUXmlHelper::ParseXmlFromFile(path.c_str()).isNull());
-  ExpectOnlyError(-655577, "", "VCUXmlHelper::ParseXmlFromFile");
+  ExpectOnlyError(kErrorOutOfMemory, "", "VCUXmlHelper::ParseXmlFromFile");
   std::remove(path.c_str());
 }
 #endif

@@ -3,6 +3,7 @@
 #include <xercesc/util/XMLString.hpp>
 
 #include <utilkit/base/encoding.h>
+#include <utilkit/xml/xml_errors.h>
 
 #include "xml/xml_test_support.h"
 
@@ -46,15 +47,15 @@ TEST_F(XmlQueryTest, SingleElementChildLooksOnlyAtDirectChildren) {
   DOM_Node out = root;
   EXPECT_FALSE(VCUXmlHelper::GetSingleElementChild(root, "deep", &out));
   EXPECT_TRUE(out.isNull());
-  ExpectOnlyError(-655764, "deep", "VCUXmlHelper::GetSingleElementChild");
+  ExpectOnlyError(kXmlErrorNoElement, "deep", "VCUXmlHelper::GetSingleElementChild");
 
   VFErrorClear();
   EXPECT_FALSE(VCUXmlHelper::GetSingleElementChild(root, "C", &out));  // case-sensitive
-  ExpectOnlyError(-655764, "C", "VCUXmlHelper::GetSingleElementChild");
+  ExpectOnlyError(kXmlErrorNoElement, "C", "VCUXmlHelper::GetSingleElementChild");
 
   VFErrorClear();
   EXPECT_FALSE(VCUXmlHelper::GetSingleElementChild(DOM_Node(), "c", &out));
-  ExpectOnlyError(-655764, "c", "VCUXmlHelper::GetSingleElementChild");
+  ExpectOnlyError(kXmlErrorNoElement, "c", "VCUXmlHelper::GetSingleElementChild");
 }
 
 TEST_F(XmlQueryTest, AttributeValuesAndTheirFailures) {
@@ -66,13 +67,13 @@ TEST_F(XmlQueryTest, AttributeValuesAndTheirFailures) {
   EXPECT_EQ(VFErrorGetCount(), 0u);
 
   EXPECT_FALSE(VCUXmlHelper::GetAttribute(Child("c"), "missing", &value));
-  ExpectOnlyError(-655766, "missing", "VCUXmlHelper::GetAttribute");
+  ExpectOnlyError(kXmlErrorNoAttribute, "missing", "VCUXmlHelper::GetAttribute");
 
   VFErrorClear();
   const DOM_Node text = Child("c").getFirstChild();
   ASSERT_EQ(text.getNodeType(), DOM_Node::TEXT_NODE);
   EXPECT_FALSE(VCUXmlHelper::GetAttribute(text, "n", &value));
-  ExpectOnlyError(-655765, "n", "VCUXmlHelper::GetAttribute");
+  ExpectOnlyError(kXmlErrorNoAttributes, "n", "VCUXmlHelper::GetAttribute");
 }
 
 TEST_F(XmlQueryTest, TextFromElementTakesTheFirstChildWhateverItIs) {
@@ -81,11 +82,11 @@ TEST_F(XmlQueryTest, TextFromElementTakesTheFirstChildWhateverItIs) {
   EXPECT_EQ(VFErrorGetCount(), 0u);
 
   EXPECT_EQ(VCUXmlHelper::GetTextFromElement(Child("e")), "");
-  ExpectOnlyError(-655768, "e", "VCUXmlHelper::GetTextFromElement");
+  ExpectOnlyError(kXmlErrorNoTextChild, "e", "VCUXmlHelper::GetTextFromElement");
 
   VFErrorClear();
   EXPECT_EQ(VCUXmlHelper::GetTextFromElement(Child("k")), "");  // an element first: no value
-  ExpectOnlyError(-655769, "k", "VCUXmlHelper::GetTextFromElement");
+  ExpectOnlyError(kXmlErrorEmptyText, "k", "VCUXmlHelper::GetTextFromElement");
 }
 
 TEST_F(XmlQueryTest, VCToDOMStringDropsControlBytesExceptTabAndLineEnds) {

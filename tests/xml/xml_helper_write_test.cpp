@@ -8,6 +8,8 @@
 #include <iterator>
 #include <string>
 
+#include <utilkit/table/table_errors.h>
+#include <utilkit/xml/xml_errors.h>
 #include "xml/xml_test_support.h"
 
 namespace {
@@ -178,13 +180,13 @@ TEST_F(XmlWriteTest, EmptyErrorStackInAWrapper) {
 }
 
 TEST_F(XmlWriteTest, ErrorRecordsNestEachLaterOneInsideTheEarlier) {
-  VFErrorSet(-655761,
+  VFErrorSet(kXmlErrorParse,
              "bad <tag> & \x1b"
              "escape",
              "VCUXmlHelper::ParseXml", 0);
   errno = 0;
   VFErrorSetOpSysCode(2);
-  VFErrorSet(-655988, "Summary", "", 1);
+  VFErrorSet(kTableErrorSort, "Summary", "", 1);
   VFErrorSet(-3, "Third", "There", 0);
   const std::string osMessage = VFErrorGetOpSysMessage(VFGetUtLibError());
   ASSERT_FALSE(osMessage.empty());

@@ -73,19 +73,8 @@
 #include <cstdint>
 #include <memory>
 
+#include <utilkit/base/base_errors.h>
 #include <utilkit/base/export.h>
-
-inline constexpr int32_t kCalcErrorOutOfMemory = -68436;
-inline constexpr int32_t kCalcErrorNoExpression = -68437;
-inline constexpr int32_t kCalcErrorNoColumn = -68438;
-inline constexpr int32_t kCalcErrorVariableValue = -68439;
-inline constexpr int32_t kCalcErrorSyntax = -68440;
-inline constexpr int32_t kCalcErrorTooDeep = -68441;
-inline constexpr int32_t kCalcErrorArgumentCount = -68442;
-inline constexpr int32_t kCalcErrorUnknownVariable = -68443;
-inline constexpr int32_t kCalcErrorUnknownFunction = -68444;
-inline constexpr int32_t kCalcErrorDivideByZero = -68445;
-inline constexpr int32_t kCalcErrorLogOfZero = -68448;
 
 class UTILKIT_API VCCalculator {
  public:

@@ -8,19 +8,14 @@
 //   if (!found) return VFReportError(kSectionsErrorChannel, "VCUSections::GetChannel", "7");
 //   if (rc < 0) return VFReportOsError(kSocketErrorSelect, "VCUSocketIO::GetRawData", errno);
 //
-// Out of memory: a subsystem reports a failed allocation with the code its
-// own block names for it, and -655577 ("Out of memory", kErrorOutOfMemory)
-// where its block names none. Records belong to the calling thread's error
-// stack (see error_stack.h).
+// Out of memory is always kErrorOutOfMemory (see base_errors.h). Records belong to the calling
+// thread's error stack (see error_stack.h).
 #pragma once
 
 #include <cstdint>
 
+#include <utilkit/base/base_errors.h>
 #include <utilkit/base/export.h>
-
-// The library's "Out of memory" text and code for subsystems whose own
-// block has no out-of-memory code.
-inline constexpr int32_t kErrorOutOfMemory = -655577;
 
 // Pushes `code` with its text (followed by `name` when not null) at
 // `location` with summary `flag`; returns false. Never fails: a text the

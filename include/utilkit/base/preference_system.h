@@ -18,13 +18,9 @@
 
 #include <cstdint>
 
+#include <utilkit/base/base_errors.h>
 #include <utilkit/base/export.h>
 #include <utilkit/base/vc_string.h>
-
-// Error code pushed for a null or empty preference path (a base-library code).
-inline constexpr int32_t kVCPreferenceErrorPath = 501;
-// Error code pushed when the store cannot grow.
-inline constexpr int32_t kVCPreferenceErrorMemory = 502;
 
 class UTILKIT_API VCPreferenceSystem {
  public:

@@ -20,14 +20,9 @@
 #include <cstdint>
 #include <fstream>
 
+#include <utilkit/base/base_errors.h>
 #include <utilkit/base/export.h>
 #include <utilkit/base/vc_string.h>
-
-// Error codes of VCIo and VCTextIo (base-library codes).
-inline constexpr int32_t kVCIoErrorOpen = 201;     // "Cannot open file: " + path, bad mode
-inline constexpr int32_t kVCIoErrorRead = 202;     // "Cannot read file: " + path, size query
-inline constexpr int32_t kVCIoErrorWrite = 203;    // "Cannot write file: " + path, close
-inline constexpr int32_t kVCIoErrorNotOpen = 204;  // "No file is open"
 
 class UTILKIT_API VCIo {
  public:

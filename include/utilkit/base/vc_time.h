@@ -20,12 +20,9 @@
 #include <compare>
 #include <cstdint>
 
+#include <utilkit/base/base_errors.h>
 #include <utilkit/base/export.h>
 #include <utilkit/base/vc_string.h>
-
-// Error code pushed by SetDateTime and SetSeconds for values outside the
-// calendar (a base-library code; the message names the offending value).
-inline constexpr int32_t kVCTimeErrorInvalid = 401;
 
 class UTILKIT_API VCTime {
  public:

@@ -42,13 +42,10 @@
 #include <variant>
 #include <vector>
 
+#include <utilkit/base/base_errors.h>
 #include <utilkit/base/export.h>
 #include <utilkit/base/vc_string.h>
 #include <utilkit/base/vc_time.h>
-
-// Error codes pushed by the buffer setters and by copies (base-library codes).
-inline constexpr int32_t kVCVariantErrorBufferSize = 301;  // negative buffer size
-inline constexpr int32_t kVCVariantErrorMemory = 302;      // allocation failed
 
 enum class VTVariantType : int32_t {
   Null = 0,

@@ -19,6 +19,8 @@
 
 #include <cstdint>
 
+#include <utilkit/base/base_errors.h>
+
 // clang-format off
 inline constexpr int32_t kSocketErrorMessageTooLong = -655561;  // Message exceeds the size limit
 inline constexpr int32_t kSocketErrorCall = -655562;            // Error during socket call
@@ -36,6 +38,6 @@ inline constexpr int32_t kSocketErrorRecv = -655573;            // Error in sock
 inline constexpr int32_t kSocketErrorNoConnection = -655574;    // No active connection
 inline constexpr int32_t kSocketErrorConnectionLost = -655575;  // Connection lost
 inline constexpr int32_t kSocketErrorWriteTimeout = -655576;    // Timeout writing data to socket
-inline constexpr int32_t kSocketErrorOutOfMemory = -655577;     // Out of memory
+inline constexpr int32_t kSocketErrorOutOfMemory = kErrorOutOfMemory;     // Out of memory
 inline constexpr int32_t kSocketErrorReadTimeout = -655578;     // Timeout waiting for response from socket
 // clang-format on

@@ -15,6 +15,8 @@
 
 #include <cstdint>
 
+#include <utilkit/base/base_errors.h>
+
 // clang-format off
 inline constexpr int32_t kSectionsErrorIndex = -655661;         // Section index out of range:
 inline constexpr int32_t kSectionsErrorSyntax = -655662;        // Malformed sections text:
@@ -29,4 +31,4 @@ inline constexpr int32_t kSectionsErrorTimeColumn = -655670;    // Invalid time 
 // clang-format on
 // The library's "Out of memory" message: an allocation failed inside a
 // sections operation, which then left the list as it was.
-inline constexpr int32_t kSectionsErrorOutOfMemory = -655577;
+inline constexpr int32_t kSectionsErrorOutOfMemory = kErrorOutOfMemory;

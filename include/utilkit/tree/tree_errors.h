@@ -13,6 +13,8 @@
 
 #include <cstdint>
 
+#include <utilkit/base/base_errors.h>
+
 // clang-format off
 inline constexpr int32_t kTreeErrorNoGroupingProperties = -655461; // No grouping properties defined
 inline constexpr int32_t kTreeErrorGroupTextFormat = -655462;      // (no operation reports it)
@@ -34,4 +36,4 @@ inline constexpr int32_t kTreeErrorModifierFormat = -655477;       // Bad format
 // clang-format on
 // The library's "Out of memory" message: an allocation failed inside a tree
 // operation, which then left its objects as they were.
-inline constexpr int32_t kTreeErrorOutOfMemory = -655577;
+inline constexpr int32_t kTreeErrorOutOfMemory = kErrorOutOfMemory;

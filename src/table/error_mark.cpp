@@ -1,30 +1,11 @@
-#include "table/table_errors.h"
+#include "table/error_mark.h"
 
 #include <string>
 #include <vector>
 
 #include <utilkit/base/error_stack.h>
-#include <utilkit/base/text_table.h>
-#include <utilkit/base/vc_string.h>
-#include <utilkit/base/vc_variant.h>
 
 namespace utilkit::table {
-
-bool Fail(int32_t code, const char* location, const char* name, int32_t flag) {
-  if (name == nullptr) {
-    VFErrorSet(code, VFTextGet(VFGetUtilKitText(), code), location, flag);
-  } else {
-    VCString message(VFTextGet(VFGetUtilKitText(), code));
-    message += name;
-    VFErrorSet(code, message, location, flag);
-  }
-  return false;
-}
-
-bool FailMemory(const char* location) {
-  VFErrorSet(kVCVariantErrorMemory, "Out of memory", location, 0);
-  return false;
-}
 
 ErrorMark::ErrorMark() : m_count(VFErrorGetCount()) {}
 
