@@ -44,7 +44,7 @@ void VCTreeCategoryQueue::PlaceAll(VCUTreeResultNode* root,
     for (size_t i = 0; i < m_items.size(); ++i) {
       distinct += i == 0 || m_items[i].hash != m_items[i - 1].hash;
     }
-    root->CurrentIndex().Reserve(distinct);
+    VCTreeNodeAccess::CurrentIndex(root).Reserve(distinct);
   }
   std::vector<const char*> path(static_cast<size_t>(grouping.GetSize()));
   // The nodes, their private blocks and their paths lie anywhere in memory:
@@ -64,7 +64,7 @@ void VCTreeCategoryQueue::PlaceAll(VCUTreeResultNode* root,
       id += std::strlen(id) + 1;
     }
     VCUTreeResultNode* category =
-        VCUTreeResultNode::FindOrCreateCategoryPath(root, path.data(), item.hash, grouping);
+        VCTreeNodeAccess::FindOrCreateCategoryPath(root, path.data(), item.hash, grouping);
     VCTreeNodeAccess::Adopt(category, item.node);
   }
 }

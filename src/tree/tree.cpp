@@ -22,13 +22,12 @@ char AppendOwned(VCArray<T*>& list, T* op) {
 
 }  // namespace
 
-VCUTree::VCUTree() : m_pData(new Data) {}
+VCUTree::VCUTree() : m_pData() {}
 
 VCUTree::~VCUTree() {
   ClearGrouping();
   ClearSorting();
   delete m_pData->filter;
-  delete m_pData;
 }
 
 char VCUTree::AppendGroupingOp(VCUTreeGroupDefBase* op) {

@@ -16,20 +16,13 @@ VCUTreeFilterBasic::VCUTreeFilterBasic() : VCUTreeFilterBasic("", kNone, VCVaria
 
 VCUTreeFilterBasic::VCUTreeFilterBasic(const char* propName, VTFilterBasicType type,
                                        const VCVariant& value)
-    : VCUTreeFilterDefBase(kFilterBasicType), m_pData(new Data{propName, type, value}) {}
+    : VCUTreeFilterDefBase(kFilterBasicType), m_pData(propName, type, value) {}
 
-VCUTreeFilterBasic::VCUTreeFilterBasic(const VCUTreeFilterBasic& other)
-    : VCUTreeFilterDefBase(other), m_pData(new Data(*other.m_pData)) {}
+VCUTreeFilterBasic::VCUTreeFilterBasic(const VCUTreeFilterBasic&) = default;
 
-VCUTreeFilterBasic& VCUTreeFilterBasic::operator=(const VCUTreeFilterBasic& other) {
-  VCUTreeFilterDefBase::operator=(other);
-  *m_pData = *other.m_pData;
-  return *this;
-}
+VCUTreeFilterBasic& VCUTreeFilterBasic::operator=(const VCUTreeFilterBasic&) = default;
 
-VCUTreeFilterBasic::~VCUTreeFilterBasic() {
-  delete m_pData;
-}
+VCUTreeFilterBasic::~VCUTreeFilterBasic() = default;
 
 char VCUTreeFilterBasic::DoesObjectPassFilter(VCUTreeSourceNode* node) {
   const VTFilterBasicType type = m_pData->type;

@@ -4,19 +4,13 @@ struct VCUTreeFilterDefBase::Data {
   int32_t filterType = 0;
 };
 
-VCUTreeFilterDefBase::VCUTreeFilterDefBase(int32_t filterType) : m_pData(new Data{filterType}) {}
+VCUTreeFilterDefBase::VCUTreeFilterDefBase(int32_t filterType) : m_pData(filterType) {}
 
-VCUTreeFilterDefBase::VCUTreeFilterDefBase(const VCUTreeFilterDefBase& other)
-    : m_pData(new Data(*other.m_pData)) {}
+VCUTreeFilterDefBase::VCUTreeFilterDefBase(const VCUTreeFilterDefBase&) = default;
 
-VCUTreeFilterDefBase& VCUTreeFilterDefBase::operator=(const VCUTreeFilterDefBase& other) {
-  *m_pData = *other.m_pData;
-  return *this;
-}
+VCUTreeFilterDefBase& VCUTreeFilterDefBase::operator=(const VCUTreeFilterDefBase&) = default;
 
-VCUTreeFilterDefBase::~VCUTreeFilterDefBase() {
-  delete m_pData;
-}
+VCUTreeFilterDefBase::~VCUTreeFilterDefBase() = default;
 
 int32_t VCUTreeFilterDefBase::GetFilterType() const {
   return m_pData->filterType;

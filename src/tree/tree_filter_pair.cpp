@@ -53,10 +53,9 @@ struct VCUTreeFilterPair::Data {
 
 VCUTreeFilterPair::VCUTreeFilterPair(int32_t filterType, VCUTreeFilterDefBase* op1,
                                      VCUTreeFilterDefBase* op2)
-    : VCUTreeFilterDefBase(filterType), m_pData(new Data(op1, op2)) {}
+    : VCUTreeFilterDefBase(filterType), m_pData(op1, op2) {}
 
-VCUTreeFilterPair::VCUTreeFilterPair(const VCUTreeFilterPair& other)
-    : VCUTreeFilterDefBase(other), m_pData(new Data(*other.m_pData)) {}
+VCUTreeFilterPair::VCUTreeFilterPair(const VCUTreeFilterPair&) = default;
 
 VCUTreeFilterPair& VCUTreeFilterPair::operator=(const VCUTreeFilterPair& other) {
   if (this != &other) {
@@ -68,9 +67,7 @@ VCUTreeFilterPair& VCUTreeFilterPair::operator=(const VCUTreeFilterPair& other) 
   return *this;
 }
 
-VCUTreeFilterPair::~VCUTreeFilterPair() {
-  delete m_pData;
-}
+VCUTreeFilterPair::~VCUTreeFilterPair() = default;
 
 VCUTreeFilterDefBase* VCUTreeFilterPair::GetOperand1() const {
   return m_pData->op1;

@@ -12,20 +12,13 @@ struct VCUTreeGroupAlphabetic::Data {
 VCUTreeGroupAlphabetic::VCUTreeGroupAlphabetic() : VCUTreeGroupAlphabetic("") {}
 
 VCUTreeGroupAlphabetic::VCUTreeGroupAlphabetic(const char* propName)
-    : VCUTreeGroupDefBase(kGroupAlphabeticType), m_pData(new Data{propName}) {}
+    : VCUTreeGroupDefBase(kGroupAlphabeticType), m_pData(propName) {}
 
-VCUTreeGroupAlphabetic::VCUTreeGroupAlphabetic(const VCUTreeGroupAlphabetic& other)
-    : VCUTreeGroupDefBase(other), m_pData(new Data(*other.m_pData)) {}
+VCUTreeGroupAlphabetic::VCUTreeGroupAlphabetic(const VCUTreeGroupAlphabetic&) = default;
 
-VCUTreeGroupAlphabetic& VCUTreeGroupAlphabetic::operator=(const VCUTreeGroupAlphabetic& other) {
-  VCUTreeGroupDefBase::operator=(other);
-  *m_pData = *other.m_pData;
-  return *this;
-}
+VCUTreeGroupAlphabetic& VCUTreeGroupAlphabetic::operator=(const VCUTreeGroupAlphabetic&) = default;
 
-VCUTreeGroupAlphabetic::~VCUTreeGroupAlphabetic() {
-  delete m_pData;
-}
+VCUTreeGroupAlphabetic::~VCUTreeGroupAlphabetic() = default;
 
 VCString VCUTreeGroupAlphabetic::GetCategoryIdForData(VCUTreeSourceNode* dataObject) {
   const VCVariant value = dataObject->GetPropertyValue(m_pData->propName);

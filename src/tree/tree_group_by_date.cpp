@@ -26,20 +26,13 @@ struct VCUTreeGroupByDate::Data {
 VCUTreeGroupByDate::VCUTreeGroupByDate() : VCUTreeGroupByDate("", kByDay) {}
 
 VCUTreeGroupByDate::VCUTreeGroupByDate(const char* propName, VTGroupByDateType type)
-    : VCUTreeGroupDefBase(kGroupByDateType), m_pData(new Data{propName, type}) {}
+    : VCUTreeGroupDefBase(kGroupByDateType), m_pData(propName, type) {}
 
-VCUTreeGroupByDate::VCUTreeGroupByDate(const VCUTreeGroupByDate& other)
-    : VCUTreeGroupDefBase(other), m_pData(new Data(*other.m_pData)) {}
+VCUTreeGroupByDate::VCUTreeGroupByDate(const VCUTreeGroupByDate&) = default;
 
-VCUTreeGroupByDate& VCUTreeGroupByDate::operator=(const VCUTreeGroupByDate& other) {
-  VCUTreeGroupDefBase::operator=(other);
-  *m_pData = *other.m_pData;
-  return *this;
-}
+VCUTreeGroupByDate& VCUTreeGroupByDate::operator=(const VCUTreeGroupByDate&) = default;
 
-VCUTreeGroupByDate::~VCUTreeGroupByDate() {
-  delete m_pData;
-}
+VCUTreeGroupByDate::~VCUTreeGroupByDate() = default;
 
 VCString VCUTreeGroupByDate::GetCategoryIdForData(VCUTreeSourceNode* dataObject) {
   const VCVariant value = dataObject->GetPropertyValue(m_pData->propName);

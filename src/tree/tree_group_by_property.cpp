@@ -11,20 +11,13 @@ struct VCUTreeGroupByProperty::Data {
 VCUTreeGroupByProperty::VCUTreeGroupByProperty() : VCUTreeGroupByProperty("") {}
 
 VCUTreeGroupByProperty::VCUTreeGroupByProperty(const char* propName)
-    : VCUTreeGroupDefBase(kGroupByPropertyType), m_pData(new Data{propName}) {}
+    : VCUTreeGroupDefBase(kGroupByPropertyType), m_pData(propName) {}
 
-VCUTreeGroupByProperty::VCUTreeGroupByProperty(const VCUTreeGroupByProperty& other)
-    : VCUTreeGroupDefBase(other), m_pData(new Data(*other.m_pData)) {}
+VCUTreeGroupByProperty::VCUTreeGroupByProperty(const VCUTreeGroupByProperty&) = default;
 
-VCUTreeGroupByProperty& VCUTreeGroupByProperty::operator=(const VCUTreeGroupByProperty& other) {
-  VCUTreeGroupDefBase::operator=(other);
-  *m_pData = *other.m_pData;
-  return *this;
-}
+VCUTreeGroupByProperty& VCUTreeGroupByProperty::operator=(const VCUTreeGroupByProperty&) = default;
 
-VCUTreeGroupByProperty::~VCUTreeGroupByProperty() {
-  delete m_pData;
-}
+VCUTreeGroupByProperty::~VCUTreeGroupByProperty() = default;
 
 VCString VCUTreeGroupByProperty::GetCategoryIdForData(VCUTreeSourceNode* dataObject) {
   const VCVariant value = dataObject->GetPropertyValue(m_pData->propName);

@@ -4,19 +4,13 @@ struct VCUTreeGroupDefBase::Data {
   int32_t groupType = 0;
 };
 
-VCUTreeGroupDefBase::VCUTreeGroupDefBase(int32_t groupType) : m_pData(new Data{groupType}) {}
+VCUTreeGroupDefBase::VCUTreeGroupDefBase(int32_t groupType) : m_pData(groupType) {}
 
-VCUTreeGroupDefBase::VCUTreeGroupDefBase(const VCUTreeGroupDefBase& other)
-    : m_pData(new Data(*other.m_pData)) {}
+VCUTreeGroupDefBase::VCUTreeGroupDefBase(const VCUTreeGroupDefBase&) = default;
 
-VCUTreeGroupDefBase& VCUTreeGroupDefBase::operator=(const VCUTreeGroupDefBase& other) {
-  *m_pData = *other.m_pData;
-  return *this;
-}
+VCUTreeGroupDefBase& VCUTreeGroupDefBase::operator=(const VCUTreeGroupDefBase&) = default;
 
-VCUTreeGroupDefBase::~VCUTreeGroupDefBase() {
-  delete m_pData;
-}
+VCUTreeGroupDefBase::~VCUTreeGroupDefBase() = default;
 
 VCString VCUTreeGroupDefBase::GetCategoryDescription(const char* id) {
   return VCString(id);

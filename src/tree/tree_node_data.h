@@ -7,12 +7,16 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include <utilkit/tree/tree_node_base.h>
 #include <utilkit/tree/tree_result_node.h>
 #include <utilkit/tree/tree_source_node.h>
 
 #include "tree/tree_prefetch.h"
+
+class VCTreeCategoryIndex;
+class VCUTreeGroupDefBase;
 
 // The ordered child list of a node.
 class VCTreeChildList {
@@ -87,4 +91,33 @@ struct VCTreeNodeAccess {
     if (index + kFar < children.Size()) VFTreePrefetch(children[index + kFar]);
     if (index + kNear < children.Size()) VFTreePrefetch(children[index + kNear]->m_pData);
   }
+
+  // Result nodes.
+  // A private block, with a category's label when `id` or `description` is set.
+  static VCUTreeResultNode::Data* NewResultData(const char* id, const char* description);
+  // The id of `node` ("" for a node that is no category), without a copy.
+  static std::string_view IdView(const VCUTreeResultNode* node);
+  // The label, data object and mark of `other`, copied into `node`.
+  static void CopyOwnData(VCUTreeResultNode* node, const VCUTreeResultNode& other);
+  // Builds one marked result node per source child of the data object of
+  // `node`. Throws std::bad_alloc.
+  static void ExpandFromDataObject(VCUTreeResultNode* node);
+  // The index of the child categories of `node`, built when missing (it is
+  // dropped whenever the list changes other than by appending). Throws
+  // std::bad_alloc.
+  static VCTreeCategoryIndex& CurrentIndex(VCUTreeResultNode* node);
+  // Orders the children of `node` by id when the first one is a category;
+  // false when it is not, when there are none, or when memory runs out
+  // (reported).
+  static bool SortChildCategories(VCUTreeResultNode* node, char ascending);
+  // SortCategories for the tree processor's grouped trees, whose categories
+  // `levels` down hold only data nodes: those are not visited.
+  static void SortCategoryLevels(VCUTreeResultNode* node, char ascending, int32_t levels);
+  // The tree processor's FindOrCreateCategory: the category at the end of
+  // the path `ids` (one id per grouping level; `firstHash` is the category
+  // index's hash of ids[0]) below `root`, made (level i described by
+  // grouping[i]) where missing. Throws std::bad_alloc.
+  static VCUTreeResultNode* FindOrCreateCategoryPath(VCUTreeResultNode* root,
+                                                     const char* const* ids, uint32_t firstHash,
+                                                     const VCArray<VCUTreeGroupDefBase*>& grouping);
 };

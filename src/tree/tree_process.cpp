@@ -60,7 +60,8 @@ VCUTreeResultNode* VCUTree::Process(VCUTreeNodeBase* sourceRoot) {
     SortChildren(root.get());
     // Categories by id at every level, as root->SortCategories(1, 1) orders
     // them, without visiting the innermost ones, which hold only data nodes.
-    if (!d.grouping.IsEmpty()) root->SortCategoryLevels(1, d.grouping.GetSize());
+    if (!d.grouping.IsEmpty())
+      VCTreeNodeAccess::SortCategoryLevels(root.get(), 1, d.grouping.GetSize());
     return root.release();
   } catch (const std::bad_alloc&) {
     VFReportError(kTreeErrorOutOfMemory, kProcessLocation);

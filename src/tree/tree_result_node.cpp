@@ -52,9 +52,9 @@ struct VCUTreeResultNode::CategoryData : Data {
   Extra label;
 };
 
-VCUTreeResultNode::Data* VCUTreeResultNode::NewData(const char* id, const char* description) {
-  if ((!id || !*id) && (!description || !*description)) return new Data;
-  auto* data = new CategoryData;
+VCUTreeResultNode::Data* VCTreeNodeAccess::NewResultData(const char* id, const char* description) {
+  if ((!id || !*id) && (!description || !*description)) return new VCUTreeResultNode::Data;
+  auto* data = new VCUTreeResultNode::CategoryData;
   data->label.id = id;
   data->label.description = description;
   data->extra = &data->label;
@@ -65,21 +65,23 @@ VCUTreeResultNode::Data* VCUTreeResultNode::NewData(const char* id, const char* 
 VCUTreeResultNode::VCUTreeResultNode() : VCUTreeResultNode(nullptr, nullptr) {}
 
 VCUTreeResultNode::VCUTreeResultNode(VCUTreeResultNode* parent, VCUTreeSourceNode* dataObject)
-    : VCUTreeNodeBase(kResultNodeType, parent), m_pData(NewData(nullptr, nullptr)) {
+    : VCUTreeNodeBase(kResultNodeType, parent),
+      m_pData(VCTreeNodeAccess::NewResultData(nullptr, nullptr)) {
   VCTreeNodeAccess::SetKind(this, VCTreeNodeKind::kResult);
   m_pData->dataObject = dataObject;
 }
 
 VCUTreeResultNode::VCUTreeResultNode(VCUTreeResultNode* parent, const char* id,
                                      const char* description)
-    : VCUTreeNodeBase(kResultNodeType, parent), m_pData(NewData(id, description)) {
+    : VCUTreeNodeBase(kResultNodeType, parent),
+      m_pData(VCTreeNodeAccess::NewResultData(id, description)) {
   VCTreeNodeAccess::SetKind(this, VCTreeNodeKind::kResult);
   // The parent's index, when it has a current one, learns of the new category.
-  if (!parent || IdView().empty() || !parent->m_pData->extra) return;
+  if (!parent || VCTreeNodeAccess::IdView(this).empty() || !parent->m_pData->extra) return;
   VCTreeCategoryIndex& index = parent->m_pData->extra->index;
   if (!index.IsBuilt()) return;
   try {
-    index.Add(IdView(), this, &m_pData->extra->index);
+    index.Add(VCTreeNodeAccess::IdView(this), this, &m_pData->extra->index);
   } catch (const std::bad_alloc&) {
     index.Invalidate();  // rebuilt at the next lookup
   }
@@ -91,7 +93,8 @@ void VCTreeNodeAccess::ChildListChanged(VCUTreeNodeBase* node) {
 }
 
 VCUTreeResultNode::VCUTreeResultNode(const VCUTreeResultNode& other)
-    : VCUTreeNodeBase(other), m_pData(NewData(other.GetId(), other.GetDescription())) {
+    : VCUTreeNodeBase(other),
+      m_pData(VCTreeNodeAccess::NewResultData(other.GetId(), other.GetDescription())) {
   VCTreeNodeAccess::SetKind(this, VCTreeNodeKind::kResult);
   m_pData->dataObject = other.m_pData->dataObject;
   m_pData->childrenFromDataObject = other.m_pData->childrenFromDataObject;
@@ -100,7 +103,7 @@ VCUTreeResultNode::VCUTreeResultNode(const VCUTreeResultNode& other)
 VCUTreeResultNode& VCUTreeResultNode::operator=(const VCUTreeResultNode& other) {
   if (this == &other) return *this;
   VCUTreeNodeBase::operator=(other);
-  CopyOwnData(other);
+  VCTreeNodeAccess::CopyOwnData(this, other);
   // The parent's index may hold the old id.
   if (VCUTreeNodeBase* parent = GetParent()) VCTreeNodeAccess::ChildListChanged(parent);
   return *this;
@@ -115,19 +118,20 @@ VCUTreeResultNode::~VCUTreeResultNode() {
   }
 }
 
-void VCUTreeResultNode::CopyOwnData(const VCUTreeResultNode& other) {
-  const Extra* from = other.m_pData->extra;
-  if (from && !m_pData->extra) m_pData->extra = new Extra;  // before anything changes
-  m_pData->dataObject = other.m_pData->dataObject;
-  m_pData->childrenFromDataObject = other.m_pData->childrenFromDataObject;
-  if (!m_pData->extra) return;
-  m_pData->extra->id = from ? from->id : VCString();
-  m_pData->extra->description = from ? from->description : VCString();
-  m_pData->extra->index.Invalidate();  // rebuilt from this node's children when next needed
+void VCTreeNodeAccess::CopyOwnData(VCUTreeResultNode* node, const VCUTreeResultNode& other) {
+  const VCUTreeResultNode::Extra* from = other.m_pData->extra;
+  if (from && !node->m_pData->extra)
+    node->m_pData->extra = new VCUTreeResultNode::Extra;  // before anything changes
+  node->m_pData->dataObject = other.m_pData->dataObject;
+  node->m_pData->childrenFromDataObject = other.m_pData->childrenFromDataObject;
+  if (!node->m_pData->extra) return;
+  node->m_pData->extra->id = from ? from->id : VCString();
+  node->m_pData->extra->description = from ? from->description : VCString();
+  node->m_pData->extra->index.Invalidate();  // rebuilt from the node's children when next needed
 }
 
-std::string_view VCUTreeResultNode::IdView() const {
-  return m_pData->extra ? m_pData->extra->id.view() : std::string_view();
+std::string_view VCTreeNodeAccess::IdView(const VCUTreeResultNode* node) {
+  return node->m_pData->extra ? node->m_pData->extra->id.view() : std::string_view();
 }
 
 int VCUTreeResultNode::GetChildren(VCArray<VCUTreeNodeBase*>* out) {
@@ -136,7 +140,7 @@ int VCUTreeResultNode::GetChildren(VCArray<VCUTreeNodeBase*>* out) {
       const VCTreeChildList& children = VCTreeNodeAccess::Of(this).children;
       const int32_t before = children.Size();
       try {
-        ExpandFromDataObject();
+        VCTreeNodeAccess::ExpandFromDataObject(this);
       } catch (const std::bad_alloc&) {
         // Take back what this expansion made; the mark stays for a retry.
         while (children.Size() > before) delete children[children.Size() - 1];
@@ -149,13 +153,13 @@ int VCUTreeResultNode::GetChildren(VCArray<VCUTreeNodeBase*>* out) {
   return VCUTreeNodeBase::GetChildren(out);
 }
 
-void VCUTreeResultNode::ExpandFromDataObject() {
+void VCTreeNodeAccess::ExpandFromDataObject(VCUTreeResultNode* node) {
   VCArray<VCUTreeNodeBase*> sourceChildren;
-  if (m_pData->dataObject->GetChildren(&sourceChildren) < 0) throw std::bad_alloc();
+  if (node->m_pData->dataObject->GetChildren(&sourceChildren) < 0) throw std::bad_alloc();
   for (VCUTreeNodeBase* child : sourceChildren) {
     VCUTreeSourceNode* sourceChild = VCTreeNodeAccess::AsSource(child);
     if (!sourceChild) continue;  // only source nodes can be data objects
-    auto* mirror = new VCUTreeResultNode(this, sourceChild);
+    auto* mirror = new VCUTreeResultNode(node, sourceChild);
     mirror->m_pData->childrenFromDataObject = true;
   }
 }
@@ -173,7 +177,7 @@ VCString VCUTreeResultNode::GetDescription() const {
 }
 
 char VCUTreeResultNode::IsCategory() const {
-  return IdView().empty() ? 0 : 1;
+  return VCTreeNodeAccess::IdView(this).empty() ? 0 : 1;
 }
 
 void VCUTreeResultNode::SetChildrenFromDataObject() {
@@ -184,27 +188,27 @@ VCUTreeResultNode* VCUTreeResultNode::FindChildCategory(const char* id) {
   const std::string_view key(id ? id : "");
   if (key.empty()) return nullptr;
   try {
-    const VCTreeCategoryIndex::Entry* entry = CurrentIndex().Find(key);
+    const VCTreeCategoryIndex::Entry* entry = VCTreeNodeAccess::CurrentIndex(this).Find(key);
     return entry ? entry->node : nullptr;
   } catch (const std::bad_alloc&) {
     // No memory for the index: walk the list instead.
     for (VCUTreeNodeBase* child : VCTreeNodeAccess::Of(this).children) {
       VCUTreeResultNode* category = VCTreeNodeAccess::AsResult(child);
-      if (category && category->IdView() == key) return category;
+      if (category && VCTreeNodeAccess::IdView(category) == key) return category;
     }
     return nullptr;
   }
 }
 
-VCTreeCategoryIndex& VCUTreeResultNode::CurrentIndex() {
-  if (!m_pData->extra) m_pData->extra = new Extra;
-  VCTreeCategoryIndex& index = m_pData->extra->index;
+VCTreeCategoryIndex& VCTreeNodeAccess::CurrentIndex(VCUTreeResultNode* node) {
+  if (!node->m_pData->extra) node->m_pData->extra = new VCUTreeResultNode::Extra;
+  VCTreeCategoryIndex& index = node->m_pData->extra->index;
   if (index.IsBuilt()) return index;
   try {
-    for (VCUTreeNodeBase* child : VCTreeNodeAccess::Of(this).children) {
+    for (VCUTreeNodeBase* child : VCTreeNodeAccess::Of(node).children) {
       VCUTreeResultNode* category = VCTreeNodeAccess::AsResult(child);
-      if (category && !category->IdView().empty()) {
-        index.Add(category->IdView(), category, &category->m_pData->extra->index);
+      if (category && !VCTreeNodeAccess::IdView(category).empty()) {
+        index.Add(VCTreeNodeAccess::IdView(category), category, &category->m_pData->extra->index);
       }
     }
   } catch (const std::bad_alloc&) {
@@ -215,13 +219,13 @@ VCTreeCategoryIndex& VCUTreeResultNode::CurrentIndex() {
   return index;
 }
 
-VCUTreeResultNode* VCUTreeResultNode::FindOrCreateCategoryPath(
+VCUTreeResultNode* VCTreeNodeAccess::FindOrCreateCategoryPath(
     VCUTreeResultNode* root, const char* const* ids, uint32_t firstHash,
     const VCArray<VCUTreeGroupDefBase*>& grouping) {
   // Down from index to index while the ids are found: the categories on the
   // way are not touched themselves.
   VCUTreeResultNode* current = root;
-  VCTreeCategoryIndex* index = &root->CurrentIndex();
+  VCTreeCategoryIndex* index = &CurrentIndex(root);
   int32_t level = 0;
   for (; level < grouping.GetSize(); ++level) {
     const std::string_view id(ids[level]);
@@ -229,7 +233,7 @@ VCUTreeResultNode* VCUTreeResultNode::FindOrCreateCategoryPath(
         level == 0 ? index->Find(id, firstHash) : index->Find(id);
     if (!entry) break;
     current = entry->node;
-    index = entry->childIndex->IsBuilt() ? entry->childIndex : &current->CurrentIndex();
+    index = entry->childIndex->IsBuilt() ? entry->childIndex : &CurrentIndex(current);
   }
   for (; level < grouping.GetSize(); ++level) {
     current = new VCUTreeResultNode(current, ids[level],
@@ -239,7 +243,7 @@ VCUTreeResultNode* VCUTreeResultNode::FindOrCreateCategoryPath(
 }
 
 void VCUTreeResultNode::SortCategories(char ascending, char recurse) {
-  if (!SortChildCategories(ascending)) return;
+  if (!VCTreeNodeAccess::SortChildCategories(this, ascending)) return;
   const VCTreeChildList& children = VCTreeNodeAccess::Of(this).children;
   for (int32_t i = 0; i < children.Size(); ++i) {
     VCTreeNodeAccess::PrefetchAhead(children, i);
@@ -249,24 +253,24 @@ void VCUTreeResultNode::SortCategories(char ascending, char recurse) {
   }
 }
 
-void VCUTreeResultNode::SortCategoryLevels(char ascending, int32_t levels) {
-  if (levels <= 0 || !SortChildCategories(ascending)) return;
-  const VCTreeChildList& children = VCTreeNodeAccess::Of(this).children;
+void VCTreeNodeAccess::SortCategoryLevels(VCUTreeResultNode* node, char ascending, int32_t levels) {
+  if (levels <= 0 || !SortChildCategories(node, ascending)) return;
+  const VCTreeChildList& children = VCTreeNodeAccess::Of(node).children;
   for (int32_t i = 0; i < children.Size(); ++i) {
     VCTreeNodeAccess::PrefetchAhead(children, i);
     if (VCUTreeResultNode* child = VCTreeNodeAccess::AsResult(children[i])) {
-      child->SortCategoryLevels(ascending, levels - 1);
+      SortCategoryLevels(child, ascending, levels - 1);
     }
   }
 }
 
-bool VCUTreeResultNode::SortChildCategories(char ascending) {
-  const int count = GetChildren(nullptr);  // expands a marked node first
+bool VCTreeNodeAccess::SortChildCategories(VCUTreeResultNode* node, char ascending) {
+  const int count = node->GetChildren(nullptr);  // expands a marked node first
   if (count <= 0) return false;
-  const VCTreeChildList& children = VCTreeNodeAccess::Of(this).children;
+  const VCTreeChildList& children = VCTreeNodeAccess::Of(node).children;
   const auto idAt = [&children](int32_t position) {
     const VCUTreeResultNode* child = VCTreeNodeAccess::AsResult(children[position]);
-    return child ? child->IdView() : std::string_view();
+    return child ? VCTreeNodeAccess::IdView(child) : std::string_view();
   };
   if (idAt(0).empty()) return false;
   if (count == 1) return true;
@@ -291,7 +295,7 @@ bool VCUTreeResultNode::SortChildCategories(char ascending) {
     if (!order.SetSize(count)) throw std::bad_alloc();
     for (int32_t i = 0; i < count; ++i)
       order[i] = children[entries[static_cast<size_t>(i)].position];
-    SetNewChildOrder(order);
+    node->SetNewChildOrder(order);
   } catch (const std::bad_alloc&) {
     VFReportError(kTreeErrorOutOfMemory, "VCUTreeResultNode::SortCategories");
     return false;

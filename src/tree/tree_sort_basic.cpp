@@ -15,20 +15,13 @@ struct VCUTreeSortBasic::Data {
 VCUTreeSortBasic::VCUTreeSortBasic() : VCUTreeSortBasic("", kTreeSortIncreasing) {}
 
 VCUTreeSortBasic::VCUTreeSortBasic(const char* propName, VTTreeSortDirection direction)
-    : VCUTreeSortDefBase(kSortBasicType), m_pData(new Data{propName, direction}) {}
+    : VCUTreeSortDefBase(kSortBasicType), m_pData(propName, direction) {}
 
-VCUTreeSortBasic::VCUTreeSortBasic(const VCUTreeSortBasic& other)
-    : VCUTreeSortDefBase(other), m_pData(new Data(*other.m_pData)) {}
+VCUTreeSortBasic::VCUTreeSortBasic(const VCUTreeSortBasic&) = default;
 
-VCUTreeSortBasic& VCUTreeSortBasic::operator=(const VCUTreeSortBasic& other) {
-  VCUTreeSortDefBase::operator=(other);
-  *m_pData = *other.m_pData;
-  return *this;
-}
+VCUTreeSortBasic& VCUTreeSortBasic::operator=(const VCUTreeSortBasic&) = default;
 
-VCUTreeSortBasic::~VCUTreeSortBasic() {
-  delete m_pData;
-}
+VCUTreeSortBasic::~VCUTreeSortBasic() = default;
 
 int VCUTreeSortBasic::Compare(VCUTreeSourceNode* a, VCUTreeSourceNode* b) {
   return CompareSortKeys(GetSortKey(a), GetSortKey(b));

@@ -4,19 +4,13 @@ struct VCUTreeSortDefBase::Data {
   int32_t sortType = 0;
 };
 
-VCUTreeSortDefBase::VCUTreeSortDefBase(int32_t sortType) : m_pData(new Data{sortType}) {}
+VCUTreeSortDefBase::VCUTreeSortDefBase(int32_t sortType) : m_pData(sortType) {}
 
-VCUTreeSortDefBase::VCUTreeSortDefBase(const VCUTreeSortDefBase& other)
-    : m_pData(new Data(*other.m_pData)) {}
+VCUTreeSortDefBase::VCUTreeSortDefBase(const VCUTreeSortDefBase&) = default;
 
-VCUTreeSortDefBase& VCUTreeSortDefBase::operator=(const VCUTreeSortDefBase& other) {
-  *m_pData = *other.m_pData;
-  return *this;
-}
+VCUTreeSortDefBase& VCUTreeSortDefBase::operator=(const VCUTreeSortDefBase&) = default;
 
-VCUTreeSortDefBase::~VCUTreeSortDefBase() {
-  delete m_pData;
-}
+VCUTreeSortDefBase::~VCUTreeSortDefBase() = default;
 
 int32_t VCUTreeSortDefBase::GetSortType() const {
   return m_pData->sortType;

@@ -69,6 +69,7 @@
 #include <utilkit/tree/tree_group_alphabetic.h>
 #include <utilkit/tree/tree_group_by_date.h>
 #include <utilkit/tree/tree_group_by_property.h>
+#include <utilkit/tree/tree_private_block.h>
 #include <utilkit/tree/tree_result_node.h>
 #include <utilkit/tree/tree_sort_basic.h>
 #include <utilkit/tree/tree_source_node.h>
@@ -150,5 +151,5 @@ class UTILKIT_API VCUTree {
   void DoFilterAndSort(VCUTreeResultNode* parent, VCUTreeNodeBase* node);
   void SortChildren(VCUTreeResultNode* node);
 
-  Data* m_pData;
+  VCTreePrivateBlock<Data> m_pData;
 };

@@ -23,6 +23,7 @@
 #include <utilkit/base/export.h>
 #include <utilkit/base/vc_variant.h>
 #include <utilkit/tree/tree_filter_def_base.h>
+#include <utilkit/tree/tree_private_block.h>
 
 class UTILKIT_API VCUTreeFilterBasic : public VCUTreeFilterDefBase {
  public:
@@ -59,5 +60,5 @@ class UTILKIT_API VCUTreeFilterBasic : public VCUTreeFilterDefBase {
 
  private:
   struct Data;
-  Data* m_pData;
+  VCTreePrivateBlock<Data> m_pData;
 };

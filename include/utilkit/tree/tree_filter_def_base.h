@@ -19,6 +19,7 @@
 #include <cstdint>
 
 #include <utilkit/base/export.h>
+#include <utilkit/tree/tree_private_block.h>
 #include <utilkit/tree/tree_source_node.h>
 
 class UTILKIT_API VCUTreeFilterDefBase {
@@ -38,5 +39,5 @@ class UTILKIT_API VCUTreeFilterDefBase {
 
  private:
   struct Data;
-  Data* m_pData;
+  VCTreePrivateBlock<Data> m_pData;
 };

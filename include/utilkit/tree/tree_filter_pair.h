@@ -17,6 +17,7 @@
 
 #include <utilkit/base/export.h>
 #include <utilkit/tree/tree_filter_def_base.h>
+#include <utilkit/tree/tree_private_block.h>
 
 class UTILKIT_API VCUTreeFilterPair : public VCUTreeFilterDefBase {
  public:
@@ -37,5 +38,5 @@ class UTILKIT_API VCUTreeFilterPair : public VCUTreeFilterDefBase {
 
  private:
   struct Data;
-  Data* m_pData;
+  VCTreePrivateBlock<Data> m_pData;
 };

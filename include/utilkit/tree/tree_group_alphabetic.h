@@ -23,6 +23,7 @@
 
 #include <utilkit/base/export.h>
 #include <utilkit/tree/tree_group_def_base.h>
+#include <utilkit/tree/tree_private_block.h>
 
 class UTILKIT_API VCUTreeGroupAlphabetic : public VCUTreeGroupDefBase {
  public:
@@ -45,5 +46,5 @@ class UTILKIT_API VCUTreeGroupAlphabetic : public VCUTreeGroupDefBase {
 
  private:
   struct Data;
-  Data* m_pData;
+  VCTreePrivateBlock<Data> m_pData;
 };

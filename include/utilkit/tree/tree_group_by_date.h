@@ -27,6 +27,7 @@
 
 #include <utilkit/base/export.h>
 #include <utilkit/tree/tree_group_def_base.h>
+#include <utilkit/tree/tree_private_block.h>
 
 class UTILKIT_API VCUTreeGroupByDate : public VCUTreeGroupDefBase {
  public:
@@ -53,5 +54,5 @@ class UTILKIT_API VCUTreeGroupByDate : public VCUTreeGroupDefBase {
 
  private:
   struct Data;
-  Data* m_pData;
+  VCTreePrivateBlock<Data> m_pData;
 };

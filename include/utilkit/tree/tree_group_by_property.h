@@ -13,6 +13,7 @@
 
 #include <utilkit/base/export.h>
 #include <utilkit/tree/tree_group_def_base.h>
+#include <utilkit/tree/tree_private_block.h>
 
 class UTILKIT_API VCUTreeGroupByProperty : public VCUTreeGroupDefBase {
  public:
@@ -34,5 +35,5 @@ class UTILKIT_API VCUTreeGroupByProperty : public VCUTreeGroupDefBase {
 
  private:
   struct Data;
-  Data* m_pData;
+  VCTreePrivateBlock<Data> m_pData;
 };

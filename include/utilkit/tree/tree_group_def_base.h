@@ -21,6 +21,7 @@
 
 #include <utilkit/base/export.h>
 #include <utilkit/base/vc_string.h>
+#include <utilkit/tree/tree_private_block.h>
 #include <utilkit/tree/tree_result_node.h>
 #include <utilkit/tree/tree_source_node.h>
 
@@ -47,5 +48,5 @@ class UTILKIT_API VCUTreeGroupDefBase {
 
  private:
   struct Data;
-  Data* m_pData;
+  VCTreePrivateBlock<Data> m_pData;
 };

@@ -23,7 +23,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 #include <utilkit/base/export.h>
 #include <utilkit/base/vc_array.h>
@@ -31,9 +30,6 @@
 #include <utilkit/base/vc_string_array.h>
 #include <utilkit/tree/tree_node_base.h>
 #include <utilkit/tree/tree_source_node.h>
-
-class VCTreeCategoryIndex;
-class VCUTreeGroupDefBase;
 
 class UTILKIT_API VCUTreeResultNode : public VCUTreeNodeBase {
  public:
@@ -85,35 +81,10 @@ class UTILKIT_API VCUTreeResultNode : public VCUTreeNodeBase {
   void SortCategories(char ascending, char recurse);
 
  private:
+  friend struct VCTreeNodeAccess;  // the library's own node classes and processor
   struct Extra;
   struct Data;
   struct CategoryData;
-
-  // A private block, with a category's label when `id` or `description` is set.
-  static Data* NewData(const char* id, const char* description);
-  void CopyOwnData(const VCUTreeResultNode& other);
-  std::string_view IdView() const;
-  // Builds one marked result node per child of the data object.
-  void ExpandFromDataObject();
-  // The index of the child categories, built when missing (it is dropped
-  // whenever the list changes other than by appending). Throws std::bad_alloc.
-  VCTreeCategoryIndex& CurrentIndex();
-  // Orders the children by id when the first one is a category; false when
-  // it is not, when there are none, or when memory runs out (reported).
-  bool SortChildCategories(char ascending);
-  // SortCategories for the tree processor's grouped trees, whose categories
-  // `levels` down hold only data nodes: those are not visited.
-  void SortCategoryLevels(char ascending, int32_t levels);
-  // The tree processor's FindOrCreateCategory: the category at the end of
-  // the path `ids` (one id per grouping level; `firstHash` is the category
-  // index's hash of ids[0]) below `root`, made (level i described by
-  // grouping[i]) where missing. Throws std::bad_alloc.
-  static VCUTreeResultNode* FindOrCreateCategoryPath(VCUTreeResultNode* root,
-                                                     const char* const* ids, uint32_t firstHash,
-                                                     const VCArray<VCUTreeGroupDefBase*>& grouping);
-  friend class VCUTree;
-  friend struct VCTreeNodeAccess;
-  friend class VCTreeCategoryQueue;
 
   Data* m_pData;
 };

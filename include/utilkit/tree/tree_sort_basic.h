@@ -21,6 +21,7 @@
 
 #include <utilkit/base/export.h>
 #include <utilkit/base/vc_variant.h>
+#include <utilkit/tree/tree_private_block.h>
 #include <utilkit/tree/tree_sort_def_base.h>
 
 enum VTTreeSortDirection : int32_t { kTreeSortIncreasing = 0, kTreeSortDecreasing = 1 };
@@ -58,5 +59,5 @@ class UTILKIT_API VCUTreeSortBasic : public VCUTreeSortDefBase {
 
  private:
   struct Data;
-  Data* m_pData;
+  VCTreePrivateBlock<Data> m_pData;
 };

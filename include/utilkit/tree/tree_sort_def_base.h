@@ -15,6 +15,7 @@
 #include <cstdint>
 
 #include <utilkit/base/export.h>
+#include <utilkit/tree/tree_private_block.h>
 #include <utilkit/tree/tree_source_node.h>
 
 class UTILKIT_API VCUTreeSortDefBase {
@@ -35,5 +36,5 @@ class UTILKIT_API VCUTreeSortDefBase {
 
  private:
   struct Data;
-  Data* m_pData;
+  VCTreePrivateBlock<Data> m_pData;
 };
