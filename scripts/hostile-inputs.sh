@@ -84,6 +84,7 @@ python3 -c "print('\n'.join(' ' * i + 'n' for i in range(5000)))" >deep.txt
 expect "tree: text nodes 5000 deep" 1 "nested more than 1000" tree --from text deep.txt
 { repeat '<a>' 100000; repeat '</a>' 100000; } >deep.xml
 expect "xml: elements 100000 deep" 1 "nested more than 1000" xml deep.xml
+expect "xml: elements 100000 deep, limit raised past the output" 105 "not in range 1 to 10000" xml --max-depth 100000 deep.xml
 
 # Sizes where quadratic work would show.
 python3 - <<'EOF'

@@ -1,5 +1,6 @@
 #include "xml_command.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -12,8 +13,11 @@ namespace {
 
 constexpr const char* kFooter =
     R"(The file is parsed safely: external DTDs and entities are never read (they
-count as empty), at most 10000 entity references are expanded, and files
-over 256 MiB are refused. Validity against a DTD is not checked; only
+count as empty), at most 10000 entity references are expanded, elements nest
+at most 1000 deep (--max-depth, up to 10000: the layout indents each level by
+a tab, so a deep chain prints its depth squared in tabs), and files over
+256 MiB are refused (a document's tree takes about 13 times its size in
+memory). Validity against a DTD is not checked; only
 well-formedness errors stop the parse.
 
 Output (UTF-8, standard output):
@@ -31,10 +35,12 @@ Examples:
 struct XmlOptions {
   std::string file;
   bool plain = false;
+  int32_t maxDepth = VCUXmlHelper::kDefaultMaxNestingDepth;
 };
 
 int RunXml(const XmlOptions& options) {
   VFErrorClear();
+  VCUXmlHelper::SetMaxNestingDepth(options.maxDepth);
   const DOM_Document document = VCUXmlHelper::ParseXmlFromFile(options.file.c_str());
   VCUDataBuffer text;
   if (document.isNull()) {
@@ -58,6 +64,9 @@ void AddXmlCommand(CLI::App& app) {
       "xml", "Print an XML file in the human-readable layout, or show why it does not parse");
   xml->add_option("file", options->file, "XML file")->required();
   xml->add_flag("--plain", options->plain, "Print the plain layout instead");
+  xml->add_option("--max-depth", options->maxDepth, "Deepest nesting of elements")
+      ->capture_default_str()
+      ->check(CLI::Range(1, 10000));
   xml->footer(kFooter);
   xml->callback([options] {
     if (const int status = RunXml(*options); status != 0) throw CLI::RuntimeError(status);

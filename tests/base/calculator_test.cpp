@@ -168,6 +168,8 @@ TEST_F(CalculatorGrammar, ComparisonsAndLogicGiveOneOrZero) {
   EXPECT_EQ(Eval("1 < 2"), 1.0);
   EXPECT_EQ(Eval("2 <= 1"), 0.0);
   EXPECT_EQ(Eval("2 > 1") + Eval("1 >= 1"), 2.0);
+  EXPECT_EQ(Eval("1 < 1") + Eval("1 > 1"), 0.0);  // strict at equality
+  EXPECT_EQ(Eval("1 <= 1") + Eval("2 >= 3"), 1.0);
   EXPECT_EQ(Eval("3 == 3") + Eval("3 != 3"), 1.0);
   EXPECT_EQ(Eval("1 + 1 == 2"), 1.0);  // arithmetic binds tighter
   EXPECT_EQ(Eval("1 < 2 == 1"), 1.0);  // relations tighter than equality

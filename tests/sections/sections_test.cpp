@@ -123,6 +123,8 @@ TEST_F(Sections, ConversionRounding) {
   EXPECT_EQ(point, 0);
   ASSERT_TRUE(VCUSections::TimeToPoint(-0.25, 2.0, &point));
   EXPECT_EQ(point, 0);
+  ASSERT_TRUE(VCUSections::TimeToPoint(-0x1p62, 2.0, &point));  // the first 64-bit point
+  EXPECT_EQ(point, INT64_MIN);
   EXPECT_FALSE(VCUSections::TimeToPoint(1e20, 1e10, &point));
   ExpectOneError(kSectionsErrorValue, "Invalid section value: 100000000000000000000.000000000000",
                  "VCUSections::TimeToPoint");

@@ -44,6 +44,8 @@ TEST_F(DataBufferTest, GrowthFollowsTheIncrementRule) {
   EXPECT_EQ(b.GetAllocSize(), 30000);
   EXPECT_TRUE(b.SetAllocSize(100));  // never shrinks
   EXPECT_EQ(b.GetAllocSize(), 30000);
+  EXPECT_TRUE(b.SetAllocSize(30000));  // nor grows when the block is large enough
+  EXPECT_EQ(b.GetAllocSize(), 30000);
   EXPECT_TRUE(b.SetAllocSize(30001));  // increment becomes 15000
   EXPECT_EQ(b.GetAllocSize(), 45000);
   EXPECT_TRUE(b.SetAllocSize(45001));  // increment becomes 22500

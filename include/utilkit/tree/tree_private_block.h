@@ -27,8 +27,9 @@ template <class T>
 class VCTreePrivateBlock {
  public:
   // A block made from `args` (brace-initialised, so an aggregate takes them in order).
-  template <class... Args>
-    requires(!(std::is_same_v<std::remove_cvref_t<Args>, VCTreePrivateBlock> || ...))
+  template <class... Args,
+            class = std::enable_if_t<
+                !(std::is_same_v<std::remove_cvref_t<Args>, VCTreePrivateBlock> || ...)>>
   explicit VCTreePrivateBlock(Args&&... args) : m_block(new T{std::forward<Args>(args)...}) {}
   VCTreePrivateBlock(const VCTreePrivateBlock& other) : m_block(new T(*other.m_block)) {}
   VCTreePrivateBlock& operator=(const VCTreePrivateBlock& other) {
