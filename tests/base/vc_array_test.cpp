@@ -62,16 +62,6 @@ TEST(VCArrayTest, SetSizeValueInitialisesAndShrinkKeepsThePrefix) {
   EXPECT_EQ(pointers.begin(), pointers.end());
 }
 
-TEST(VCArrayTest, CopiesAreIndependent) {
-  VCArray<std::string> a;
-  a.Add("one");
-  VCArray<std::string> b = a;
-  b[0] = "two";
-  b.Add("three");
-  EXPECT_EQ(a.GetSize(), 1);
-  EXPECT_EQ(a[0], "one");
-}
-
 TEST(VCArrayTest, BadIndicesAssertInDebugAndStayInsideTheArrayInRelease) {
   VCArray<int32_t> a;
   a.Add(1);

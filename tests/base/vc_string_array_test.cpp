@@ -46,13 +46,6 @@ TEST(VCStringArrayTest, SplitTreatsEachSeparatorCharacterAlikeAndReplacesContent
   a.Add("old");
   a.SplitString("x,y;z", ",;", 0);
   ExpectElements(a, {"x", "y", "z"});
-  // Operation and modifier lists as the tree language writes them.
-  a.SplitString("Name{TYPE=ALPHA,NUM=3}.Date{TYPE=DATE,SUBTYPE=YEAR}", ".", 3);
-  ExpectElements(a, {"Name{TYPE=ALPHA,NUM=3}", "Date{TYPE=DATE,SUBTYPE=YEAR}"});
-  a.SplitString("TYPE=ALPHA , NUM=3,", ",", 3);
-  ExpectElements(a, {"TYPE=ALPHA", "NUM=3"});
-  a.SplitString("Name ", ".", 3);
-  ExpectElements(a, {"Name"});
 }
 
 TEST(VCStringArrayTest, FindAndFindNoCaseStartWhereAsked) {

@@ -12,18 +12,7 @@ R5EnumProperty Units() {
   return units;
 }
 
-TEST(R5EnumPropertyTest, NewEnumerationHasNoEntryAndIsNotDefined) {
-  R5EnumProperty p("Unit");
-  EXPECT_EQ(p.GetType(), R5PropertyType::kEnum);
-  EXPECT_EQ(p.GetValidCount(), 0);
-  EXPECT_FALSE(p.IsDefined());
-  EXPECT_EQ(p.GetValue(), -1);
-  EXPECT_TRUE(p.Get().IsEmpty());
-  EXPECT_EQ(p.GetValueText(), "");
-  EXPECT_FALSE(p.SetDefined(true));
-}
-
-TEST(R5EnumPropertyTest, EntriesKeepTheirOrder) {
+TEST(R5EnumPropertyTest, EntriesKeepTheirOrderAndNoneIsChosenAtFirst) {
   R5EnumProperty p = Units();
   ASSERT_EQ(p.GetValidCount(), 3);
   EXPECT_EQ(p.GetValidEntry(0).GetName(), "mm");
@@ -32,6 +21,10 @@ TEST(R5EnumPropertyTest, EntriesKeepTheirOrder) {
   EXPECT_TRUE(p.GetValidEntry(3).IsEmpty());
   EXPECT_TRUE(p.GetValidEntry(-1).IsEmpty());
   EXPECT_FALSE(p.IsDefined());
+  EXPECT_EQ(p.GetValue(), -1);
+  EXPECT_TRUE(p.Get().IsEmpty());
+  EXPECT_EQ(p.GetValueText(), "");
+  EXPECT_FALSE(p.SetDefined(true));
 }
 
 TEST(R5EnumPropertyTest, AddRefusesEmptyAndDuplicateNames) {

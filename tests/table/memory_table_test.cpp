@@ -130,18 +130,6 @@ TEST_F(MemoryTableTest, MetadataErrorsNameTheirMember) {
   EXPECT_EQ(text, "N");
 }
 
-TEST_F(MemoryTableTest, RowCountIsIndependentOfTheColumns) {
-  int64_t rows = -1;
-  ASSERT_TRUE(table.GetNumRows(&rows));
-  EXPECT_EQ(rows, 0);
-  int32_t l[5];
-  EXPECT_TRUE(table.GetValues_L(1, 1, 5, l));
-  EXPECT_EQ(l[4], 50);
-  table.SetNumRows(7);
-  ASSERT_TRUE(table.GetNumRows(&rows));
-  EXPECT_EQ(rows, 7);
-}
-
 TEST_F(MemoryTableTest, StatusWordsAppendAndUnknownKeywordsAreIgnored) {
   const uint16_t first[] = {0x8000, 1};
   const uint16_t second[] = {0x8002};

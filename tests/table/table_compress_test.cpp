@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <vector>
 
 #include <utilkit/base/error_stack.h>
@@ -63,20 +62,6 @@ VCUTableMemory SmallTable() {
   return table;
 }
 
-TEST_F(TableCompressTest, KeepsTheLargestOrSmallestOfEachGroup) {
-  VCUTableMemory table = SmallTable();
-  VCUTableData* data = Merge({&table});
-  VCUTableCompress largest(0);
-  largest.AddSearchColumn("a");
-  largest.SetSelectColumn("B");
-  EXPECT_EQ(Compress(largest, data), (std::vector<int32_t>{2, 3}));
-  VCUTableCompress smallest(0);
-  smallest.AddSearchColumn("A");
-  smallest.SetSelectColumn("B");
-  ASSERT_TRUE(smallest.SetSelectType(VTCompressType::Minimum));
-  EXPECT_EQ(Compress(smallest, data), (std::vector<int32_t>{1, 3}));
-}
-
 TEST_F(TableCompressTest, KeptRowsStayInInputOrderAndEqualMaximaKeepTheFirst) {
   VCUTableMemory table("T");
   const int32_t a[] = {2, 1, 2, 1, 1, 2};
@@ -89,40 +74,6 @@ TEST_F(TableCompressTest, KeptRowsStayInInputOrderAndEqualMaximaKeepTheFirst) {
   compress.AddSearchColumn("A");
   compress.SetSelectColumn("B");
   EXPECT_EQ(Compress(compress, data), (std::vector<int32_t>{1, 2}));
-}
-
-TEST_F(TableCompressTest, SumIsWrittenToTheFirstRowWithTheOrOfTheStatus) {
-  VCUTableMemory table = SmallTable();
-  const uint16_t status[] = {0x8001, 0x0002, 0x8000};
-  table.SetColStatus("B", 3, status);
-  VCUTableData* data = Merge({&table});
-  VCUTableCompress compress(0);
-  compress.AddSearchColumn("A");
-  compress.SetSelectColumn("B");
-  ASSERT_TRUE(compress.SetSelectType(VTCompressType::Sum));
-  EXPECT_EQ(Compress(compress, data), (std::vector<int32_t>{1, 3}));
-  double b[3];
-  uint16_t words[3];
-  ASSERT_TRUE(data->GetValues_D(1, 1, 3, b));
-  ASSERT_TRUE(data->GetStatusValues(1, 1, 3, words));
-  EXPECT_EQ(b[0], 14.0);
-  EXPECT_EQ(b[2], 3.0);
-  EXPECT_EQ(words[0], 0x8003);
-  EXPECT_EQ(words[2], 0x8000);
-}
-
-TEST_F(TableCompressTest, NanSearchValuesNeverJoinAGroup) {
-  VCUTableMemory table("T");
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  const double a[] = {nan, nan, 1, -0.0, 0.0};
-  const double b[] = {1, 2, 3, 4, 5};
-  table.AddCol("A", 5, a);
-  table.AddCol("B", 5, b);
-  table.SetNumRows(5);
-  VCUTableData* data = Merge({&table});
-  VCUTableCompress compress(0);
-  Configure(compress, VTCompressType::Maximum);
-  EXPECT_EQ(Compress(compress, data), (std::vector<int32_t>{1, 2, 3, 5}));
 }
 
 TEST_F(TableCompressTest, TextSearchValuesMatchExactly) {
@@ -139,28 +90,6 @@ TEST_F(TableCompressTest, TextSearchValuesMatchExactly) {
   VCUTableCompress smallest(0);
   Configure(smallest, VTCompressType::Minimum);
   EXPECT_EQ(Compress(smallest, data), (std::vector<int32_t>{1, 4}));
-}
-
-TEST_F(TableCompressTest, PreferLaterTables) {
-  VCUTableMemory first("First");
-  VCUTableMemory second("Second");
-  const int32_t a1[] = {1, 1};
-  const double b1[] = {9, 1};
-  const int32_t a2[] = {1, 1, 1};
-  const double b2[] = {3, 5, 4};
-  first.AddCol("A", 2, a1);
-  first.AddCol("B", 2, b1);
-  first.SetNumRows(2);
-  second.AddCol("A", 3, a2);
-  second.AddCol("B", 3, b2);
-  second.SetNumRows(3);
-  VCUTableData* data = Merge({&first, &second});
-  VCUTableCompress prefer(1);
-  Configure(prefer, VTCompressType::Maximum, "A");
-  EXPECT_EQ(Compress(prefer, data), (std::vector<int32_t>{4}));
-  VCUTableCompress plain(0);
-  Configure(plain, VTCompressType::Maximum, "A");
-  EXPECT_EQ(Compress(plain, data), (std::vector<int32_t>{1}));
 }
 
 TEST_F(TableCompressTest, EmptyRowsAreLeftAlone) {

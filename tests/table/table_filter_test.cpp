@@ -53,15 +53,11 @@ class TableFilterTest : public ::testing::Test {
     const double d[] = {1, std::nan(""), 3, -1, 0};
     const float f[] = {1, std::numeric_limits<float>::quiet_NaN(), 3, -1, 0};
     const uint16_t status[] = {0x8000, 0, 0xFFFF, 0x7FFF, 0x8001};
-    const int32_t codes[] = {3, 5};
-    const char* names[] = {"LOW", "high"};
-    const int32_t grade[] = {3, 5, 3, 0, 5};
     const int16_t s[] = {-2, -1, 0, 1, 2};
     table.AddCol("Text", 5, text);
     table.AddCol("D", 5, d);
     table.AddCol("F", 5, f);
     table.SetColStatus("F", 5, status);
-    table.AddCol("Grade", 2, codes, names, 5, grade);
     table.AddCol("S", 5, s);
     table.SetNumRows(5);
   }
@@ -153,16 +149,6 @@ TEST_F(TableFilterTest, NumbersAndNaN) {
   EXPECT_EQ(Passing("F", VTTableFilterCompare::LessOrEqual, VCVariant("1")), (Rows{1, 4, 5}));
   // The value is converted to the column's type first: -0.5 is 0 as a short.
   EXPECT_EQ(Passing("S", VTTableFilterCompare::GreaterThan, VCVariant(-0.5)), (Rows{4, 5}));
-}
-
-TEST_F(TableFilterTest, EnumComparesByCodeAndByName) {
-  EXPECT_EQ(Passing("Grade", VTTableFilterCompare::Equal, VCVariant("low")), (Rows{1, 3}));
-  EXPECT_EQ(Passing("Grade", VTTableFilterCompare::Equal, VCVariant(int32_t{5})), (Rows{2, 5}));
-  EXPECT_EQ(Passing("Grade", VTTableFilterCompare::GreaterThan, VCVariant("LOW")), (Rows{2, 5}));
-  // A name that is no option compares as -1.
-  EXPECT_EQ(Passing("Grade", VTTableFilterCompare::Equal, VCVariant("mid")), (Rows{}));
-  EXPECT_EQ(Passing("Grade", VTTableFilterCompare::GreaterThan, VCVariant("mid")),
-            (Rows{1, 2, 3, 4, 5}));
 }
 
 TEST_F(TableFilterTest, ValidityAndInclusive) {

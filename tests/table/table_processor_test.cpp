@@ -108,15 +108,6 @@ TEST_F(TableProcessorTest, MergedRowsFollowTheInputTablesInOrder) {
   EXPECT_TRUE(Errors().empty());
 }
 
-TEST_F(TableProcessorTest, CommonColumnsLeaveOutWhatATableLacks) {
-  processor->AddInputTable(&a);
-  processor->AddInputTable(&b);
-  ASSERT_TRUE(processor->AddAllInputColsToOutput(1));
-  ASSERT_TRUE(processor->Process());
-  EXPECT_EQ(OutputKeywords(), (std::vector<std::string>{"Name", "Force"}));
-  EXPECT_TRUE(Errors().empty());  // the missing columns left nothing behind
-}
-
 TEST_F(TableProcessorTest, AllColumnsReadMissingCellsAsEmpty) {
   processor->AddInputTable(&a);
   processor->AddInputTable(&b);

@@ -128,17 +128,6 @@ TEST_F(TableTest, BaseDefaultsOfAHostTable) {
   EXPECT_EQ(d[1], 1.0);
 }
 
-TEST_F(TableTest, DumpTableToScreen) {
-  testing::internal::CaptureStdout();
-  table.DumpTableToScreen();
-  std::fflush(stdout);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(),
-            "No of rows: 2, No of cols: 7\n"
-            "Row,Short,Long,Huge,Float,ElementId,Text,Grade,\n"
-            "1,-3,70000,1099511627776,1.5,2.5(32768),abc,3,\n"
-            "2,4,-1,0,0.25,-0.125(32767),x y,9,\n");
-}
-
 TEST_F(TableTest, DumpTableToScreenOfATableWithoutColumns) {
   VCUTableMemory empty("Empty");
   empty.SetNumRows(2);

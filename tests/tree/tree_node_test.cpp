@@ -81,19 +81,6 @@ TEST(VCUTreeSourceNode, DefaultComparisonOfPropertyValues) {
   EXPECT_EQ(node.ComparePropertyValues("any", two, text), -1);
 }
 
-TEST(VCUTreeResultNode, CategoriesAndDataNodes) {
-  PropertyNode source(nullptr);
-  VCUTreeResultNode root;
-  auto* category = new VCUTreeResultNode(&root, "3", "Channel=3");
-  auto* data = new VCUTreeResultNode(category, &source);
-  EXPECT_FALSE(root.IsCategory());
-  EXPECT_TRUE(category->IsCategory());
-  EXPECT_FALSE(data->IsCategory());
-  EXPECT_EQ(data->GetDataObject(), &source);
-  EXPECT_EQ(category->GetDataObject(), nullptr);
-  EXPECT_EQ(data->GetId(), "");
-}
-
 class LazyExpansion : public testing::Test {
  protected:
   void SetUp() override {

@@ -194,14 +194,6 @@ TEST_F(ParseXmlTest, NestingIsBoundedAndTheBoundCanBeRaised) {
   EXPECT_EQ(Plain(doc.getDocumentElement()).size(), kDepth * 7u - 3u);  // innermost is <a/>
 }
 
-TEST_F(ParseXmlTest, FromFileReadsTheWholeFile) {
-  const std::string path = WriteFile("doc.xml", "<r><c>1</c></r>");
-  DOM_Document doc = VCUXmlHelper::ParseXmlFromFile(path.c_str());
-  ASSERT_FALSE(doc.isNull());
-  EXPECT_EQ(Plain(doc), "<r><c>1</c></r>\n");
-  std::remove(path.c_str());
-}
-
 TEST_F(ParseXmlTest, FromFileAddsNoErrorOfItsOwnWhenTheFileCannotBeRead) {
   EXPECT_TRUE(VCUXmlHelper::ParseXmlFromFile(TempPath("missing.xml").c_str()).isNull());
   ASSERT_GE(VFErrorGetCount(), 1u);

@@ -26,11 +26,15 @@
 template <class T>
 class VCTreePrivateBlock {
  public:
-  // A block made from `args` (brace-initialised, so an aggregate takes them in order).
-  template <class... Args,
-            class = std::enable_if_t<
-                !(std::is_same_v<std::remove_cvref_t<Args>, VCTreePrivateBlock> || ...)>>
-  explicit VCTreePrivateBlock(Args&&... args) : m_block(new T{std::forward<Args>(args)...}) {}
+  // A value-initialised block.
+  VCTreePrivateBlock() : m_block(new T()) {}
+  // A block made from the arguments (brace-initialised, so an aggregate
+  // takes them in order).
+  template <
+      class First, class... Rest,
+      class = std::enable_if_t<!std::is_same_v<std::remove_cvref_t<First>, VCTreePrivateBlock>>>
+  explicit VCTreePrivateBlock(First&& first, Rest&&... rest)
+      : m_block(new T{std::forward<First>(first), std::forward<Rest>(rest)...}) {}
   VCTreePrivateBlock(const VCTreePrivateBlock& other) : m_block(new T(*other.m_block)) {}
   VCTreePrivateBlock& operator=(const VCTreePrivateBlock& other) {
     *m_block = *other.m_block;
