@@ -46,10 +46,13 @@ dev: deps
 check: dev
 	ctest --preset dev -j $(JOBS)
 
+# Under Wine a test program (one CTest entry each) has been seen to stall
+# once in many runs with nothing of ours running; it gets one more try, so a
+# failure that repeats still fails.
 windows: deps
 	cmake --preset windows
 	cmake --build --preset windows -j $(JOBS)
-	ctest --preset windows
+	ctest --preset windows --repeat until-pass:2
 
 FUZZ_SECONDS ?= 20
 FUZZERS = xml_fuzz:xml props_fuzz:props tree_ops_fuzz:tree sections_fuzz:sections \
