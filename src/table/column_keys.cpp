@@ -82,10 +82,16 @@ bool ColumnKeys::LoadNumbers(const int32_t* rows, int64_t begin, int64_t end, ui
 
 bool ColumnKeys::LoadTexts(const int32_t* rows, int64_t begin, int64_t end, uint64_t* keys) {
   return ForEachRowRun(rows, begin, end, kChunk, [&](int64_t first, int64_t n, int64_t at) {
-    if (!m_table->GetValues_T(m_col, first, n, &m_texts)) return false;
+    m_views.resize(static_cast<size_t>(n));
+    if (!m_table->PeekTexts(m_col, first, n, m_views.data())) {
+      if (!m_table->GetValues_T(m_col, first, n, &m_texts)) return false;
+      for (int64_t i = 0; i < n; ++i) m_views[i] = m_texts[static_cast<int32_t>(i)].view();
+    }
     for (int64_t i = 0; i < n; ++i) {
-      const VCString& text = m_texts[static_cast<int32_t>(i)];
-      auto [it, added] = m_ids.try_emplace(text.str(), static_cast<uint32_t>(m_ids.size()));
+      const std::string_view text = m_views[static_cast<size_t>(i)];
+      auto it = m_ids.find(text);
+      const bool added = it == m_ids.end();
+      if (added) it = m_ids.emplace(text, static_cast<uint32_t>(m_ids.size())).first;
       if (added && m_mode == Mode::Order) {
         VCString form(text);
         if (m_foldCase) form.MakeUpper();

@@ -15,7 +15,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -59,9 +61,18 @@ class ColumnKeys {
   std::vector<int64_t> m_h;
   std::vector<float> m_f;
   std::vector<double> m_d;
-  VCStringArray m_texts;
-  std::unordered_map<std::string, uint32_t> m_ids;   // exact text -> id
-  VCUDictionary m_pool;                              // sortable forms
+  // Hashes texts and views alike, so that a view is looked up as it is.
+  struct TextHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view text) const noexcept {
+      return std::hash<std::string_view>()(text);
+    }
+  };
+
+  VCStringArray m_texts;                  // copies, where the table cannot lend them
+  std::vector<std::string_view> m_views;  // a chunk's texts
+  std::unordered_map<std::string, uint32_t, TextHash, std::equal_to<>> m_ids;  // text -> id
+  VCUDictionary m_pool;                                                        // sortable forms
   std::vector<VCUDictionaryRef*> m_refs;             // id -> sortable form
   std::unordered_map<int32_t, uint32_t> m_enumRank;  // code -> rank of its name
   uint32_t m_emptyNameRank = 0;

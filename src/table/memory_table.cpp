@@ -387,6 +387,23 @@ const void* VCUTableMemory::PeekCells(int32_t col, VTTableDataType type, int64_t
   }
 }
 
+bool VCUTableMemory::PeekTexts(int32_t col, int64_t first, int64_t count, std::string_view* out) {
+  const auto& cols = m_impl->cols;
+  if (col < 0 || static_cast<size_t>(col) >= cols.size()) return false;
+  const VCUTableMemory_Col& c = *cols[static_cast<size_t>(col)];
+  if (c.type != VTTableDataType::Text || first < 1 || count < 1 || count > c.Length() - first + 1) {
+    return false;
+  }
+  if (c.refs.GetSize() > 0) {
+    VCUDictionaryRef* const* refs = c.refs.GetData() + (first - 1);
+    for (int64_t i = 0; i < count; ++i) out[i] = c.dictionary->GetView(refs[i]);
+  } else {
+    const VCString* texts = c.data.GetBuffer_T() + (first - 1);
+    for (int64_t i = 0; i < count; ++i) out[i] = texts[i].view();
+  }
+  return true;
+}
+
 // Copies the texts of rows first..first+count-1 of a checked column.
 static bool CopyTexts(const VCUTableMemory_Col& c, int64_t first, int64_t count, VCString* out) {
   try {

@@ -14,6 +14,7 @@
 #include <cassert>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -87,6 +88,21 @@ struct TextOrEnumCells {
     if (codes) std::fill_n(codes + at, count, 0);
     for (int64_t i = 0; names && i < count; ++i) names[at + i].Empty();
   }
+};
+
+// Texts as views of the input tables' own texts (VCUTable::PeekTexts); a
+// read fails, adding no error record, where an input keeps them otherwise.
+struct TextViewCells {
+  std::string_view* out;
+  VTTableDataType PeekType() const { return VTTableDataType::Text; }
+  void Put(int64_t at, const void* cells, int64_t index, const VCUDictionary* dictionary) const {
+    out[at] = dictionary->GetView(static_cast<VCUDictionaryRef* const*>(cells)[index]);
+  }
+  bool Read(VCUTable& t, int32_t col, int64_t row, int64_t count, int64_t at,
+            VCStringArray&) const {
+    return t.PeekTexts(col, row, count, out + at);
+  }
+  void Fill(int64_t at, int64_t count) const { std::fill_n(out + at, count, std::string_view()); }
 };
 
 // Reads `count` rows from input table `table`'s row `row` on into `cells`
@@ -193,14 +209,23 @@ bool GatherMergedCells(VCUTableProcessorState& s, int32_t col, const int32_t* ro
     sources[t].cells = s.inputs[t]->PeekCells(c, type, 1, length, &sources[t].dictionary);
     if (sources[t].cells == nullptr) return false;
   }
+  // The run of the row map last found: rows that stay in it (all of them
+  // for a single input) are gathered without a search.
+  int64_t first = 1, last = 0, offset = 0;
+  const Source* source = nullptr;
   for (int64_t i = 0; i < count; ++i) {
-    const RowRun& run = s.rowMap.Find(rows[i]);
-    const Source& source = sources[static_cast<size_t>(run.table)];
-    if (source.cells == nullptr) {
+    const int64_t row = rows[i];
+    if (row < first || row > last) {
+      const RowRun& run = s.rowMap.Find(row);
+      first = run.mergedFirst;
+      last = first + run.count - 1;
+      offset = run.tableRow - 1 - first;
+      source = &sources[static_cast<size_t>(run.table)];
+    }
+    if (source->cells == nullptr) {
       cells.Fill(at + i, 1);
     } else {
-      cells.Put(at + i, source.cells, run.tableRow - 1 + (rows[i] - run.mergedFirst),
-                source.dictionary);
+      cells.Put(at + i, source->cells, offset + row, source->dictionary);
     }
   }
   return true;

@@ -224,6 +224,20 @@ bool VCUOutputTable::GetValues_T(int32_t col, int64_t first, int64_t count, VCSt
   return ReadIntoArray(*m_state, "VCUOutputTable::GetValues_T", col, first, count, nullptr, out);
 }
 
+bool VCUOutputTable::PeekTexts(int32_t col, int64_t first, int64_t count, std::string_view* out) {
+  VCUTableProcessorState& s = *m_state;
+  if (col < 0 || static_cast<size_t>(col) >= s.outputCols.size() || first < 1 || count < 1 ||
+      count > s.outputRows.GetSize() - first + 1) {
+    return false;
+  }
+  const OutputColumn& c = s.outputCols[static_cast<size_t>(col)];
+  if (!c.resolved || c.computed || static_cast<size_t>(c.merged) >= s.merged.size() ||
+      s.merged[static_cast<size_t>(c.merged)].type != VTTableDataType::Text) {
+    return false;
+  }
+  return Read(s, "VCUOutputTable::PeekTexts", col, first, count, TextViewCells{out});
+}
+
 bool VCUOutputTable::GetValues_E(int32_t col, int64_t first, int64_t count, int32_t* codes,
                                  VCStringArray* names) {
   return ReadIntoArray(*m_state, "VCUOutputTable::GetValues_E", col, first, count, codes, names);

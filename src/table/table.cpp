@@ -42,6 +42,10 @@ bool VCUTable::GetValues_T(int32_t, int64_t, int64_t, VCString*) {
   return false;
 }
 
+bool VCUTable::PeekTexts(int32_t, int64_t, int64_t, std::string_view*) {
+  return false;
+}
+
 bool VCUTable::GetInputTableIndexForRow(int64_t, int32_t* index) {
   *index = 0;
   return true;

@@ -220,6 +220,16 @@ bool VCUTableData::GetValues_T(int32_t col, int64_t first, int64_t count, VCStri
   return ReadIntoArray(*m_state, "VCUTableData::GetValues_T", col, first, count, nullptr, out);
 }
 
+bool VCUTableData::PeekTexts(int32_t col, int64_t first, int64_t count, std::string_view* out) {
+  VCUTableProcessorState& s = *m_state;
+  if (col < 0 || static_cast<size_t>(col) >= s.merged.size() || first < 1 || count < 1 ||
+      count > s.rowMap.Size() - first + 1 ||
+      s.merged[static_cast<size_t>(col)].type != VTTableDataType::Text) {
+    return false;
+  }
+  return ReadMergedCells(s, "VCUTableData::PeekTexts", col, first, count, TextViewCells{out});
+}
+
 bool VCUTableData::GetValues_E(int32_t col, int64_t first, int64_t count, int32_t* codes,
                                VCStringArray* names) {
   return ReadIntoArray(*m_state, "VCUTableData::GetValues_E", col, first, count, codes, names);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "table/table_test_util.h"
@@ -87,6 +88,10 @@ TEST_F(MemoryTableTest, PeekValuesOnlyForDoubleColumnsInRange) {
 TEST_F(MemoryTableTest, ArrayReadersResizeOnlyAfterTheChecks) {
   const char* t[] = {"a", "b"};
   table.AddCol("Text", 2, t);
+  std::string_view views[2];
+  ASSERT_TRUE(table.PeekTexts(2, 2, 1, views));  // texts kept as strings are lent too
+  EXPECT_EQ(views[0], "b");
+  EXPECT_FALSE(table.PeekTexts(2, 2, 2, views));
   VCStringArray out;
   out.Add("keep");
   EXPECT_FALSE(table.GetValues_T(2, 2, 2, &out));

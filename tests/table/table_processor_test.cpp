@@ -2,11 +2,13 @@
 #include <utilkit/table/memory_table.h>
 #include <utilkit/table/table_errors.h>
 #include <utilkit/table/table_processor.h>
+#include <utilkit/table/table_sort.h>
 
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -449,6 +451,40 @@ TEST_F(TableProcessorTest, PeekValuesWithinOneInputTable) {
   EXPECT_NE(merged->PeekValues_D(force, 1, 3), nullptr);
   ASSERT_TRUE(merged->WriteInputColValue(force, 5, 50.0));
   EXPECT_EQ(merged->PeekValues_D(force, 1, 3), nullptr);
+  EXPECT_TRUE(Errors().empty());
+}
+
+// Texts kept in a dictionary are lent as views in any output order, across
+// input tables; a bad request gets nothing and leaves no record.
+TEST_F(TableProcessorTest, PeekTextsLendsTheInputsTextsInOutputOrder) {
+  VCUDictionary pool;
+  VCUDictionaryRef* refs[] = {pool.InsertString("c1"), pool.InsertString("c2"),
+                              pool.InsertString("d1"), pool.InsertString("d2")};
+  const double force[] = {6, 7};
+  VCUTableMemory c("C"), d("D");
+  for (VCUTableMemory* t : {&c, &d}) {
+    t->AddCol("Name", 2, refs + (t == &c ? 0 : 2), pool);
+    t->AddCol("Force", 2, force);
+    t->SetNumRows(2);
+    processor->AddInputTable(t);
+  }
+  processor->AddOutputColumn("Name");
+  processor->AddOutputColumn("Force");
+  VCUTableSort sort;
+  sort.AddColumn("Name", 0, 1);
+  processor->SetSort(&sort);
+  ASSERT_TRUE(processor->Process());
+  std::string_view views[4];
+  ASSERT_TRUE(processor->GetOutputTable()->PeekTexts(0, 1, 4, views));
+  EXPECT_EQ(std::vector<std::string_view>(views, views + 4),
+            (std::vector<std::string_view>{"d2", "d1", "c2", "c1"}));
+  ASSERT_TRUE(processor->GetInputData()->PeekTexts(0, 2, 2, views));
+  EXPECT_EQ(views[0], "c2");
+  EXPECT_EQ(views[1], "d1");
+  EXPECT_FALSE(processor->GetOutputTable()->PeekTexts(1, 1, 1, views));  // Double
+  EXPECT_FALSE(processor->GetOutputTable()->PeekTexts(0, 4, 2, views));
+  EXPECT_FALSE(processor->GetOutputTable()->PeekTexts(2, 1, 1, views));
+  EXPECT_FALSE(processor->GetInputData()->PeekTexts(0, 0, 1, views));
   EXPECT_TRUE(Errors().empty());
 }
 

@@ -24,6 +24,40 @@ bool IsSpace(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
+// Reads `s` of the form [-]digits[.digits] with at most 19 digits, none
+// after an exponent, as the nearest double, where that is quick to do
+// exactly: a whole number below 2^53 and a power of ten up to 10^22 are
+// both exact doubles, so their quotient is correctly rounded. False for any
+// other text, which is left to std::from_chars.
+bool ReadPlainDecimal(std::string_view s, double* value) {
+  static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                       1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                       1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  const char* p = s.data();
+  const char* const end = p + s.size();
+  const bool negative = p < end && *p == '-';
+  p += negative ? 1 : 0;
+  uint64_t whole = 0;
+  int digits = 0;
+  int decimals = -1;  // -1: no point yet
+  for (; p < end; ++p) {
+    const auto digit = static_cast<unsigned>(*p - '0');
+    if (digit < 10) {
+      whole = whole * 10 + digit;
+      ++digits;
+      decimals += decimals >= 0 ? 1 : 0;
+    } else if (*p == '.' && decimals < 0) {
+      decimals = 0;
+    } else {
+      return false;
+    }
+  }
+  if (digits == 0 || digits > 19 || whole > (uint64_t{1} << 53) || decimals > 22) return false;
+  const double v = static_cast<double>(whole) / kPowers[decimals < 0 ? 0 : decimals];
+  *value = negative ? -v : v;
+  return true;
+}
+
 // Reads all of `cell` as a T, white space at the ends and a leading '+'
 // allowed (as VFAscToNum reads). Out-of-range values are refused.
 template <class T, class... Format>
@@ -33,6 +67,9 @@ bool ReadNumber(std::string_view cell, T* value, Format... format) {
   if (!s.empty() && s.front() == '+') {
     s.remove_prefix(1);
     if (!s.empty() && (s.front() == '-' || s.front() == '+')) return false;
+  }
+  if constexpr (std::is_same_v<T, double>) {
+    if (ReadPlainDecimal(s, value)) return true;
   }
   const auto [end, ec] = std::from_chars(s.data(), s.data() + s.size(), *value, format...);
   return ec == std::errc() && end == s.data() + s.size() && !s.empty();

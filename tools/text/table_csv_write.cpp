@@ -104,7 +104,8 @@ struct OutColumn {
   std::vector<int64_t> huges;
   std::vector<float> floats;
   std::vector<double> doubles;
-  VCStringArray texts;
+  VCStringArray texts;                  // copies, where the table cannot lend them
+  std::vector<std::string_view> views;  // the block's texts
   std::vector<uint16_t> status;
 
   // An Enum cell is written by its option's name. For typed output, which
@@ -183,7 +184,11 @@ struct OutColumn {
       case VTTableDataType::Double:
         return doubles.resize(size), t.GetValues_D(index, first, n, doubles.data());
       default:
-        return t.GetValues_T(index, first, n, &texts);
+        views.resize(size);
+        if (t.PeekTexts(index, first, n, views.data())) return true;
+        if (!t.GetValues_T(index, first, n, &texts)) return false;
+        for (size_t r = 0; r < size; ++r) views[r] = texts[static_cast<int32_t>(r)].view();
+        return true;
     }
   }
 
@@ -209,7 +214,7 @@ struct OutColumn {
         out->Number(doubles[r]);
         break;
       default:
-        out->Field(texts[static_cast<int32_t>(r)].view());
+        out->Field(views[r]);
     }
     if (hasStatus) out->Number(status[r]);
   }

@@ -55,6 +55,8 @@ class UTILKIT_API VCUDictionary {
 
   // The text of `ref` (zero-terminated); "" for a null reference.
   const char* GetString(const VCUDictionaryRef* ref) const;
+  // The same text as a view (its length known, no scan); "" for null.
+  std::string_view GetView(const VCUDictionaryRef* ref) const;
 
   // The first text in insertion order, or null when the pool is empty.
   VCUDictionaryRef* GetFirstString() const;

@@ -113,6 +113,7 @@ class UTILKIT_API VCUTableMemory : public VCUTable {
   const double* PeekValues_D(int32_t col, int64_t first, int64_t count) override;
   const void* PeekCells(int32_t col, VTTableDataType type, int64_t first, int64_t count,
                         const VCUDictionary** dictionary) override;
+  bool PeekTexts(int32_t col, int64_t first, int64_t count, std::string_view* out) override;
 
  private:
   struct Impl;

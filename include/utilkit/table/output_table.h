@@ -61,6 +61,7 @@ class UTILKIT_API VCUOutputTable : public VCUTable {
   bool GetValues_D(int32_t col, int64_t first, int64_t count, double* out) override;
   bool GetValues_T(int32_t col, int64_t first, int64_t count, VCString* out) override;
   bool GetValues_T(int32_t col, int64_t first, int64_t count, VCStringArray* out) override;
+  bool PeekTexts(int32_t col, int64_t first, int64_t count, std::string_view* out) override;
   bool GetValues_E(int32_t col, int64_t first, int64_t count, int32_t* codes,
                    VCStringArray* names) override;
   bool GetStatusValues(int32_t col, int64_t first, int64_t count, uint16_t* out) override;

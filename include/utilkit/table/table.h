@@ -140,6 +140,12 @@ class UTILKIT_API VCUTable {
   // on the typed readers. Here: PeekValues_D for Double, else null.
   virtual const void* PeekCells(int32_t col, VTTableDataType type, int64_t first, int64_t count,
                                 const VCUDictionary** dictionary = nullptr);
+  // Rows first..first+count-1 (count >= 1) of Text column `col` as views of
+  // the texts the table keeps, valid until the table changes: no text is
+  // copied. False, adding no error record (`out` then undefined), where the
+  // table keeps its texts otherwise and for any bad argument; readers then
+  // fall back on GetValues_T. Here: always false.
+  virtual bool PeekTexts(int32_t col, int64_t first, int64_t count, std::string_view* out);
 
   // One cell as a variant, read with the reader of `type` (None: the
   // column's own type); an Enum cell reads as its code (a long). Fails with

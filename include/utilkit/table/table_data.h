@@ -98,6 +98,7 @@ class UTILKIT_API VCUTableData : public VCUTable {
                    VCStringArray* names) override;
   bool GetStatusValues(int32_t col, int64_t first, int64_t count, uint16_t* out) override;
   const double* PeekValues_D(int32_t col, int64_t first, int64_t count) override;
+  bool PeekTexts(int32_t col, int64_t first, int64_t count, std::string_view* out) override;
   // The index (from 0, in the order added) of the input table of merged row
   // `row`; -655975 for a row out of range.
   bool GetInputTableIndexForRow(int64_t row, int32_t* index) override;
