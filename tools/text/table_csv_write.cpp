@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -33,58 +34,119 @@ bool EqualNoCase(std::string_view a, std::string_view b) {
   return VCString(std::string(a)).CompareNoCase(std::string(b).c_str()) == 0;
 }
 
+// Writes `value` (finite, not zero) as std::to_chars does, the shortest
+// text that reads back as it, where that is quick to do: a value with at
+// most six decimals below 2^50 / 10^6, written in fixed notation. Such a
+// value times 10^6 lies within a tiny fraction of a whole number m, and m
+// with its trailing zeros taken off is the shortest digit string (an exact
+// division by a power of ten confirms that it reads back). Returns the end
+// of the text, or null where std::to_chars has to do it.
+char* WritePlainDecimal(double value, char* out) {
+  static constexpr double kPowers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
+  constexpr int kDecimals = 6;
+  const double size = std::fabs(value);
+  const double scaled = size * kPowers[kDecimals];
+  if (!(scaled < 0x1p50) || scaled < 0.5) return nullptr;
+  const double nearest = std::nearbyint(scaled);
+  if (std::fabs(scaled - nearest) > 1e-3) return nullptr;
+  auto whole = static_cast<uint64_t>(nearest);
+  int decimals = kDecimals;
+  while (decimals > 0 && whole % 10 == 0) whole /= 10, --decimals;
+  if (static_cast<double>(whole) / kPowers[decimals] != size) return nullptr;
+  char digits[24];
+  const auto length =
+      static_cast<int>(std::to_chars(digits, digits + sizeof digits, whole).ptr - digits);
+  // Fixed notation only where it is no longer than scientific ("1.5e+07").
+  int significant = length;
+  while (decimals == 0 && significant > 1 && digits[significant - 1] == '0') --significant;
+  const int fixed = decimals == 0 ? length : std::max(length, decimals + 1) + 1;
+  if (fixed > significant + (significant > 1 ? 1 : 0) + 4) return nullptr;
+  if (value < 0) *out++ = '-';
+  if (decimals >= length) {  // 0.00ddd
+    *out++ = '0';
+    *out++ = '.';
+    out = std::fill_n(out, decimals - length, '0');
+    return std::copy_n(digits, length, out);
+  }
+  out = std::copy_n(digits, length - decimals, out);
+  if (decimals == 0) return out;
+  *out++ = '.';
+  return std::copy_n(digits + length - decimals, decimals, out);
+}
+
 // CSV records gathered in a buffer and written in large pieces.
 class CsvBuffer {
  public:
-  explicit CsvBuffer(std::ostream& out) : m_out(out) { m_text.reserve(kFlushBytes + 4096); }
+  explicit CsvBuffer(std::ostream& out) : m_out(out), m_text(kFlushBytes + kSlack, '\0') {}
 
   void Field(std::string_view text) {
+    Room(2 * text.size() + 4);
     Separate();
     bool quote = text.starts_with("\xEF\xBB\xBF");
-    for (char c : text) quote = quote || c == ',' || c == '"' || c == '\r' || c == '\n';
+    for (const char c : text) quote |= c == ',' || c == '"' || c == '\r' || c == '\n';
     if (!quote) {
-      m_text.append(text);
+      if (!text.empty()) std::memcpy(m_text.data() + m_used, text.data(), text.size());
+      m_used += text.size();
       return;
     }
-    m_text.push_back('"');
-    for (char c : text) {
-      if (c == '"') m_text.push_back('"');
-      m_text.push_back(c);
+    m_text[m_used++] = '"';
+    for (const char c : text) {
+      if (c == '"') m_text[m_used++] = '"';
+      m_text[m_used++] = c;
     }
-    m_text.push_back('"');
+    m_text[m_used++] = '"';
   }
   template <class T>
   void Number(T value) {
+    Room(kNumberBytes);
     Separate();
+    char* at = m_text.data() + m_used;
     if constexpr (std::is_floating_point_v<T>) {
       if (std::isnan(value)) return;  // an empty cell
     }
-    char text[48];
-    const auto [end, ec] = std::to_chars(text, text + sizeof text, value);
-    m_text.append(text, static_cast<size_t>(end - text));
+    if constexpr (std::is_same_v<T, double>) {
+      if (char* end = WritePlainDecimal(value, at)) {
+        m_used = static_cast<size_t>(end - m_text.data());
+        return;
+      }
+    }
+    m_used = static_cast<size_t>(std::to_chars(at, at + kNumberBytes, value).ptr - m_text.data());
   }
   // Ends a record; a record of one empty field is written "" so that it is
   // not read as a blank line.
   void EndRecord() {
-    if (m_fields == 1 && m_text.size() == m_recordStart) m_text.append("\"\"");
-    m_text.push_back('\n');
+    Room(4);
+    if (m_fields == 1 && m_used == m_recordStart) {
+      m_text[m_used++] = '"';
+      m_text[m_used++] = '"';
+    }
+    m_text[m_used++] = '\n';
     m_fields = 0;
-    m_recordStart = m_text.size();
-    if (m_text.size() >= kFlushBytes) Flush();
+    m_recordStart = m_used;
+    if (m_used >= kFlushBytes) Flush();
   }
   void Flush() {
-    m_out.write(m_text.data(), static_cast<std::streamsize>(m_text.size()));
-    m_text.clear();
-    m_recordStart = 0;
+    m_out.write(m_text.data(), static_cast<std::streamsize>(m_used));
+    m_used = m_recordStart = 0;
   }
 
  private:
+  // Room kept past the flush mark, and the most a number's text takes.
+  static constexpr size_t kSlack = 4096;
+  static constexpr size_t kNumberBytes = 48;
+
+  // Makes room for `bytes` more (the buffer grows for a record larger than
+  // the flush mark).
+  void Room(size_t bytes) {
+    if (m_text.size() - m_used < bytes + 1) m_text.resize(m_used + bytes + kSlack);
+  }
   void Separate() {
-    if (m_fields++ > 0) m_text.push_back(',');
+    if (m_fields++ > 0) m_text[m_used++] = ',';
   }
 
   std::ostream& m_out;
-  std::string m_text;
+  std::string m_text;  // m_text[0, m_used) is written
+  size_t m_used = 0;
   size_t m_fields = 0;
   size_t m_recordStart = 0;
 };

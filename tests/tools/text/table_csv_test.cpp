@@ -227,6 +227,39 @@ TEST(TableCsvTest, DecimalsReadAsTheNearestDouble) {
   }
 }
 
+// Doubles with few decimals are written by a quicker path than
+// std::to_chars; the text must be the same, to the character (fixed or
+// scientific, shortest digits).
+TEST(TableCsvTest, DoublesAreWrittenAsStdToCharsWritesThem) {
+  static constexpr double kPowers[] = {1, 10, 100, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
+  std::mt19937_64 random(11);
+  std::vector<double> values = {0.1 + 0.2, 1e-7,   1e-6,   1e-4,         0.5e-6,
+                                1e5,       123456, 1200,   1e15,         -0.5,
+                                0.0,       -0.0,   5e-324, 0x1p50 / 1e6, 1125899906.842624};
+  for (int i = 0; i < 100000; ++i) {
+    const double v = static_cast<double>(random() >> (random() % 64)) / kPowers[random() % 9];
+    values.push_back(random() % 2 ? v : -v);
+    if (const double any = std::bit_cast<double>(random()); std::isfinite(any)) {
+      values.push_back(any);
+    }
+  }
+  VCUTableMemory table("t");
+  table.AddCol("x", static_cast<int32_t>(values.size()), values.data());
+  table.SetNumRows(static_cast<int32_t>(values.size()));
+  std::ostringstream out;
+  std::string error;
+  ASSERT_TRUE(utilkit::tool::WriteTableCsv(table, false, out, &error)) << error;
+  std::istringstream lines(out.str());
+  std::string line;
+  std::getline(lines, line);
+  for (const double value : values) {
+    char expected[64];
+    *std::to_chars(expected, expected + sizeof expected - 1, value).ptr = '\0';
+    ASSERT_TRUE(std::getline(lines, line));
+    ASSERT_EQ(line, expected);
+  }
+}
+
 // A name holding ":enum(" would, with the options written after it, read
 // back as a shorter name; the writer says so rather than write it.
 TEST(TableCsvTest, RefusesTypedHeadersThatWouldReadBackOtherwise) {
