@@ -17,7 +17,7 @@ namespace {
 constexpr const char* kValidate = "VCUTableNewColumn::Validate";
 constexpr const char* kRowValueD = "VCUTableNewColumn::CalculateRowValue_D";
 // Rows evaluated at a time by CalculateValues_D.
-constexpr int64_t kBlock = 4096;
+constexpr int64_t kBlock = 65536;
 
 }  // namespace
 
