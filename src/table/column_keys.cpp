@@ -44,6 +44,7 @@ bool ColumnKeys::Bind(VCUTable* table, int32_t col, VTTableDataType type, Mode m
 
 void ColumnKeys::Clear() {
   m_ids.clear();
+  m_refIds.clear();
   m_refs.clear();
   m_pool.Clear();
 }
@@ -80,26 +81,45 @@ bool ColumnKeys::LoadNumbers(const int32_t* rows, int64_t begin, int64_t end, ui
   });
 }
 
+bool ColumnKeys::IdOf(std::string_view text, uint32_t* id) {
+  auto it = m_ids.find(text);
+  if (it == m_ids.end()) {
+    it = m_ids.emplace(text, static_cast<uint32_t>(m_ids.size())).first;
+    if (m_mode == Mode::Order) {
+      VCString form(text);
+      if (m_foldCase) form.MakeUpper();
+      VCUDictionaryRef* ref = m_pool.InsertString(VFMakeNumericallySortableString(form).c_str());
+      if (ref == nullptr) return false;
+      m_refs.push_back(ref);
+    }
+  }
+  *id = it->second;
+  return true;
+}
+
+// Texts kept in a dictionary are read as references, each text looked up
+// once; others as views, or as copies where the table lends none.
 bool ColumnKeys::LoadTexts(const int32_t* rows, int64_t begin, int64_t end, uint64_t* keys) {
   return ForEachRowRun(rows, begin, end, kChunk, [&](int64_t first, int64_t n, int64_t at) {
+    const VCUDictionary* dictionary = nullptr;
+    if (const auto* refs = static_cast<VCUDictionaryRef* const*>(
+            m_table->PeekCells(m_col, VTTableDataType::Text, first, n, &dictionary))) {
+      for (int64_t i = 0; i < n; ++i) {
+        auto [it, added] = m_refIds.try_emplace(refs[i], 0);
+        if (added && !IdOf(dictionary->GetView(refs[i]), &it->second)) return false;
+        keys[at + i] = it->second;
+      }
+      return true;
+    }
     m_views.resize(static_cast<size_t>(n));
     if (!m_table->PeekTexts(m_col, first, n, m_views.data())) {
       if (!m_table->GetValues_T(m_col, first, n, &m_texts)) return false;
       for (int64_t i = 0; i < n; ++i) m_views[i] = m_texts[static_cast<int32_t>(i)].view();
     }
     for (int64_t i = 0; i < n; ++i) {
-      const std::string_view text = m_views[static_cast<size_t>(i)];
-      auto it = m_ids.find(text);
-      const bool added = it == m_ids.end();
-      if (added) it = m_ids.emplace(text, static_cast<uint32_t>(m_ids.size())).first;
-      if (added && m_mode == Mode::Order) {
-        VCString form(text);
-        if (m_foldCase) form.MakeUpper();
-        VCUDictionaryRef* ref = m_pool.InsertString(VFMakeNumericallySortableString(form).c_str());
-        if (ref == nullptr) return false;
-        m_refs.push_back(ref);
-      }
-      keys[at + i] = it->second;
+      uint32_t id = 0;
+      if (!IdOf(m_views[static_cast<size_t>(i)], &id)) return false;
+      keys[at + i] = id;
     }
     return true;
   });

@@ -48,6 +48,9 @@ class ColumnKeys {
   bool LoadNumbers(const int32_t* rows, int64_t begin, int64_t end, uint64_t* keys,
                    std::vector<T>& scratch, Read read, Key key);
   bool LoadTexts(const int32_t* rows, int64_t begin, int64_t end, uint64_t* keys);
+  // The id of `text`, numbering it (and in Order mode pooling its sortable
+  // form) when it is new; false when memory runs out.
+  bool IdOf(std::string_view text, uint32_t* id);
   bool BindEnumNames();
 
   VCUTable* m_table = nullptr;
@@ -72,7 +75,10 @@ class ColumnKeys {
   VCStringArray m_texts;                  // copies, where the table cannot lend them
   std::vector<std::string_view> m_views;  // a chunk's texts
   std::unordered_map<std::string, uint32_t, TextHash, std::equal_to<>> m_ids;  // text -> id
-  VCUDictionary m_pool;                                                        // sortable forms
+  // Ids by dictionary reference, for texts read as references (hashing a
+  // pointer instead of the text); emptied by Bind and Clear.
+  std::unordered_map<const VCUDictionaryRef*, uint32_t> m_refIds;
+  VCUDictionary m_pool;                              // sortable forms
   std::vector<VCUDictionaryRef*> m_refs;             // id -> sortable form
   std::unordered_map<int32_t, uint32_t> m_enumRank;  // code -> rank of its name
   uint32_t m_emptyNameRank = 0;

@@ -183,8 +183,13 @@ bool VCUTableData::GetValues_F(int32_t col, int64_t first, int64_t count, float*
 bool VCUTableData::GetValues_D(int32_t col, int64_t first, int64_t count, double* out) {
   return Read(*m_state, "VCUTableData::GetValues_D", col, first, count, CellsD{out});
 }
-// One run of one input table's column, with no cell written over it.
 const double* VCUTableData::PeekValues_D(int32_t col, int64_t first, int64_t count) {
+  return static_cast<const double*>(PeekCells(col, VTTableDataType::Double, first, count));
+}
+
+// One run of one input table's column, with no cell written over it.
+const void* VCUTableData::PeekCells(int32_t col, VTTableDataType type, int64_t first, int64_t count,
+                                    const VCUDictionary** dictionary) {
   VCUTableProcessorState& s = *m_state;
   if (col < 0 || static_cast<size_t>(col) >= s.merged.size() || first < 1 || count < 1 ||
       count > s.rowMap.Size() - first + 1) {
@@ -192,11 +197,12 @@ const double* VCUTableData::PeekValues_D(int32_t col, int64_t first, int64_t cou
   }
   const MergedColumn& mc = s.merged[static_cast<size_t>(col)];
   if (!mc.written.empty()) return nullptr;
-  const double* cells = nullptr;
+  const void* cells = nullptr;
   s.rowMap.ForEachRun(first, count, [&](int32_t table, int64_t row, int64_t n, int64_t) {
     if (n == count && static_cast<size_t>(table) < s.inputs.size() && table < mc.index.GetSize() &&
         mc.index[table] >= 0) {
-      cells = s.inputs[static_cast<size_t>(table)]->PeekValues_D(mc.index[table], row, n);
+      cells = s.inputs[static_cast<size_t>(table)]->PeekCells(mc.index[table], type, row, n,
+                                                              dictionary);
     }
     return false;  // one run is all it can use
   });

@@ -454,19 +454,21 @@ TEST_F(TableProcessorTest, PeekValuesWithinOneInputTable) {
   EXPECT_TRUE(Errors().empty());
 }
 
-// Texts kept in a dictionary are lent as views in any output order, across
-// input tables; a bad request gets nothing and leaves no record.
+// Texts kept in dictionaries are lent as views in any output order, across
+// input tables; equal texts of two dictionaries sort as equal (stably). A
+// bad request gets nothing and leaves no record.
 TEST_F(TableProcessorTest, PeekTextsLendsTheInputsTextsInOutputOrder) {
-  VCUDictionary pool;
-  VCUDictionaryRef* refs[] = {pool.InsertString("c1"), pool.InsertString("c2"),
-                              pool.InsertString("d1"), pool.InsertString("d2")};
-  const double force[] = {6, 7};
+  VCUDictionary pools[2];
   VCUTableMemory c("C"), d("D");
-  for (VCUTableMemory* t : {&c, &d}) {
-    t->AddCol("Name", 2, refs + (t == &c ? 0 : 2), pool);
-    t->AddCol("Force", 2, force);
-    t->SetNumRows(2);
-    processor->AddInputTable(t);
+  const double force[] = {6, 7, 8, 9};
+  for (int t = 0; t < 2; ++t) {
+    VCUTableMemory& table = t == 0 ? c : d;
+    VCUDictionaryRef* refs[] = {pools[t].InsertString(t == 0 ? "c1" : "c2"),
+                                pools[t].InsertString(t == 0 ? "c2" : "c1")};
+    table.AddCol("Name", 2, refs, pools[t]);
+    table.AddCol("Force", 2, force + 2 * t);
+    table.SetNumRows(2);
+    processor->AddInputTable(&table);
   }
   processor->AddOutputColumn("Name");
   processor->AddOutputColumn("Force");
@@ -477,10 +479,11 @@ TEST_F(TableProcessorTest, PeekTextsLendsTheInputsTextsInOutputOrder) {
   std::string_view views[4];
   ASSERT_TRUE(processor->GetOutputTable()->PeekTexts(0, 1, 4, views));
   EXPECT_EQ(std::vector<std::string_view>(views, views + 4),
-            (std::vector<std::string_view>{"d2", "d1", "c2", "c1"}));
+            (std::vector<std::string_view>{"c2", "c2", "c1", "c1"}));
+  EXPECT_EQ(OutputDoubles(1), (std::vector<double>{7, 8, 6, 9}));
   ASSERT_TRUE(processor->GetInputData()->PeekTexts(0, 2, 2, views));
   EXPECT_EQ(views[0], "c2");
-  EXPECT_EQ(views[1], "d1");
+  EXPECT_EQ(views[1], "c2");
   EXPECT_FALSE(processor->GetOutputTable()->PeekTexts(1, 1, 1, views));  // Double
   EXPECT_FALSE(processor->GetOutputTable()->PeekTexts(0, 4, 2, views));
   EXPECT_FALSE(processor->GetOutputTable()->PeekTexts(2, 1, 1, views));

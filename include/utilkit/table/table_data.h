@@ -98,6 +98,8 @@ class UTILKIT_API VCUTableData : public VCUTable {
                    VCStringArray* names) override;
   bool GetStatusValues(int32_t col, int64_t first, int64_t count, uint16_t* out) override;
   const double* PeekValues_D(int32_t col, int64_t first, int64_t count) override;
+  const void* PeekCells(int32_t col, VTTableDataType type, int64_t first, int64_t count,
+                        const VCUDictionary** dictionary = nullptr) override;
   bool PeekTexts(int32_t col, int64_t first, int64_t count, std::string_view* out) override;
   // The index (from 0, in the order added) of the input table of merged row
   // `row`; -655975 for a row out of range.
