@@ -56,7 +56,8 @@ VCString VCString::Formatted(const char* format, ...) {
 }
 
 int VCString::Compare(const char* other) const {
-  return std::strcmp(m_text.c_str(), other ? other : "");
+  const int order = std::strcmp(m_text.c_str(), other ? other : "");
+  return (order > 0) - (order < 0);
 }
 
 int VCString::CompareNoCase(const char* other) const {

@@ -61,9 +61,9 @@ class UTILKIT_API VCString {
 #endif
       ;
 
-  // Three-way byte-wise comparison: <0, 0 or >0.
+  // Three-way byte-wise comparison: -1, 0 or 1.
   int Compare(const char* other) const;
-  // Three-way comparison with ASCII letters folded to upper case.
+  // Three-way comparison with ASCII letters folded to upper case: -1, 0 or 1.
   int CompareNoCase(const char* other) const;
 
   // Position of the first `what` at or after `start`, or -1.
