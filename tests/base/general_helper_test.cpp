@@ -7,91 +7,65 @@
 
 namespace {
 
-std::vector<std::string> Split(const char* line) {
-  std::vector<std::string> out;
-  for (const VCString& arg : VCUGeneralHelper::SplitCommandLine(line)) out.push_back(arg.str());
-  return out;
-}
-
 using Args = std::vector<std::string>;
 
-TEST(GeneralHelperSplitCommandLineTest, BlanksSeparateArguments) {
-  EXPECT_EQ(Split("-i -name Svc"), (Args{"-i", "-name", "Svc"}));
-  EXPECT_EQ(Split("  a \t\tb\r\nc  "), (Args{"a", "b", "c"}));
-  EXPECT_EQ(Split("single"), (Args{"single"}));
+TEST(GeneralHelperTest, SplitCommandLine) {
+  const std::pair<const char*, Args> cases[] = {
+      // Blanks separate arguments; none at all gives no arguments.
+      {"-i -name Svc", {"-i", "-name", "Svc"}},
+      {"  a \t\tb\r\nc  ", {"a", "b", "c"}},
+      {"single", {"single"}},
+      {nullptr, {}},
+      {"", {}},
+      {" \t  \n ", {}},
+      // Quotes keep blanks and are removed; touching pieces form one argument.
+      {"-name \"My  Service\" -i", {"-name", "My  Service", "-i"}},
+      {"\"a\tb\"", {"a\tb"}},
+      {"a\"b c\"d", {"ab cd"}},
+      {"\"x\"\"y\" z", {"xy", "z"}},
+      {"a \"\" b", {"a", "", "b"}},
+      {"\"\"", {""}},
+      // Backslash-quote is a literal quote; other backslashes are kept.
+      {"\"say \\\"hi\\\" now\" x", {"say \"hi\" now", "x"}},
+      {"a\\\"b", {"a\"b"}},
+      {"\\\"", {"\""}},
+      {"C:\\dir\\file.exe \"C:\\Program Files\\x\"", {"C:\\dir\\file.exe", "C:\\Program Files\\x"}},
+      {"end\\", {"end\\"}},
+      // An unterminated quote runs to the end.
+      {"a \"b c  ", {"a", "b c  "}},
+      {"a \"", {"a", ""}},
+  };
+  for (const auto& [line, expected] : cases) {
+    Args split;
+    for (const VCString& arg : VCUGeneralHelper::SplitCommandLine(line)) split.push_back(arg.str());
+    EXPECT_EQ(split, expected) << (line ? line : "(null)");
+  }
 }
 
-TEST(GeneralHelperSplitCommandLineTest, NullEmptyAndBlankTextsGiveNoArguments) {
-  EXPECT_TRUE(Split(nullptr).empty());
-  EXPECT_TRUE(Split("").empty());
-  EXPECT_TRUE(Split(" \t  \n ").empty());
-}
-
-TEST(GeneralHelperSplitCommandLineTest, QuotesKeepBlanksAndAreRemoved) {
-  EXPECT_EQ(Split("-name \"My  Service\" -i"), (Args{"-name", "My  Service", "-i"}));
-  EXPECT_EQ(Split("\"a\tb\""), (Args{"a\tb"}));
-}
-
-TEST(GeneralHelperSplitCommandLineTest, TouchingPiecesFormOneArgument) {
-  EXPECT_EQ(Split("a\"b c\"d"), (Args{"ab cd"}));
-  EXPECT_EQ(Split("\"x\"\"y\" z"), (Args{"xy", "z"}));
-}
-
-TEST(GeneralHelperSplitCommandLineTest, EmptyQuotesGiveAnEmptyArgument) {
-  EXPECT_EQ(Split("a \"\" b"), (Args{"a", "", "b"}));
-  EXPECT_EQ(Split("\"\""), (Args{""}));
-}
-
-TEST(GeneralHelperSplitCommandLineTest, BackslashQuoteIsALiteralQuote) {
-  EXPECT_EQ(Split("\"say \\\"hi\\\" now\" x"), (Args{"say \"hi\" now", "x"}));
-  EXPECT_EQ(Split("a\\\"b"), (Args{"a\"b"}));
-  EXPECT_EQ(Split("\\\""), (Args{"\""}));
-}
-
-TEST(GeneralHelperSplitCommandLineTest, OtherBackslashesAreKept) {
-  EXPECT_EQ(Split("C:\\dir\\file.exe \"C:\\Program Files\\x\""),
-            (Args{"C:\\dir\\file.exe", "C:\\Program Files\\x"}));
-  EXPECT_EQ(Split("end\\"), (Args{"end\\"}));
-}
-
-TEST(GeneralHelperSplitCommandLineTest, UnterminatedQuoteRunsToTheEnd) {
-  EXPECT_EQ(Split("a \"b c  "), (Args{"a", "b c  "}));
-  EXPECT_EQ(Split("a \""), (Args{"a", ""}));
-}
-
-TEST(GeneralHelperEndsWithTest, MatchesOnlyTheLastBytesOfTheGivenLength) {
-  const char buffer[] = "<Reply>ok</Reply>trailing";
-  EXPECT_TRUE(VCUGeneralHelper::EndsWith(buffer, 17, "</Reply>"));
-  EXPECT_FALSE(VCUGeneralHelper::EndsWith(buffer, sizeof(buffer) - 1, "</Reply>"));
-  EXPECT_FALSE(VCUGeneralHelper::EndsWith(buffer, 16, "</Reply>"));
-  EXPECT_TRUE(VCUGeneralHelper::EndsWith(buffer, 17, ">"));
-}
-
-TEST(GeneralHelperEndsWithTest, WholeBufferAndLongerText) {
-  EXPECT_TRUE(VCUGeneralHelper::EndsWith("abc", 3, "abc"));
-  EXPECT_FALSE(VCUGeneralHelper::EndsWith("abc", 3, "xabc"));
-  EXPECT_FALSE(VCUGeneralHelper::EndsWith("abc", 2, "abc"));
-  EXPECT_FALSE(VCUGeneralHelper::EndsWith("abc", 3, "ABC"));
-}
-
-TEST(GeneralHelperEndsWithTest, WhiteSpaceIsNotSkipped) {
-  EXPECT_FALSE(VCUGeneralHelper::EndsWith("</a>\n", 5, "</a>"));
-  EXPECT_TRUE(VCUGeneralHelper::EndsWith("</a>\n", 5, "</a>\n"));
-}
-
-TEST(GeneralHelperEndsWithTest, ZeroBytesInTheBufferAreData) {
-  const char buffer[] = {'x', '\0', 'e', 'n', 'd'};
-  EXPECT_TRUE(VCUGeneralHelper::EndsWith(buffer, sizeof(buffer), "end"));
-  EXPECT_FALSE(VCUGeneralHelper::EndsWith(buffer, sizeof(buffer), "xend"));
-}
-
-TEST(GeneralHelperEndsWithTest, EmptyTextAndNullArguments) {
-  EXPECT_TRUE(VCUGeneralHelper::EndsWith("abc", 3, ""));
-  EXPECT_TRUE(VCUGeneralHelper::EndsWith("", 0, ""));
-  EXPECT_FALSE(VCUGeneralHelper::EndsWith("", 0, "a"));
-  EXPECT_FALSE(VCUGeneralHelper::EndsWith(nullptr, 0, ""));
-  EXPECT_FALSE(VCUGeneralHelper::EndsWith(nullptr, 3, "abc"));
-  EXPECT_FALSE(VCUGeneralHelper::EndsWith("abc", 3, nullptr));
+TEST(GeneralHelperTest, EndsWithMatchesOnlyTheLastBytesOfTheGivenLength) {
+  const char reply[] = "<Reply>ok</Reply>trailing";
+  const char zero[] = {'x', '\0', 'e', 'n', 'd'};
+  struct Case {
+    const char* buffer;
+    size_t size;
+    const char* text;
+    bool expected;
+  };
+  // Also: white space is not skipped, zero bytes in the buffer are data, empty
+  // texts and null arguments.
+  const Case cases[] = {{"", 0, "", true},         {nullptr, 3, "abc", false},
+                        {"", 0, "a", false},       {"abc", 3, nullptr, false},
+                        {"abc", 3, "", true},      {"</a>\n", 5, "</a>", false},
+                        {reply, 17, ">", true},    {reply, 17, "</Reply>", true},
+                        {"abc", 3, "abc", true},   {"</a>\n", 5, "</a>\n", true},
+                        {nullptr, 0, "", false},   {reply, 16, "</Reply>", false},
+                        {"abc", 2, "abc", false},  {zero, sizeof(zero), "end", true},
+                        {"abc", 3, "ABC", false},  {zero, sizeof(zero), "xend", false},
+                        {"abc", 3, "xabc", false}, {reply, sizeof(reply) - 1, "</Reply>", false}};
+  for (const Case& c : cases) {
+    EXPECT_EQ(VCUGeneralHelper::EndsWith(c.buffer, c.size, c.text), c.expected)
+        << c.size << " " << (c.text ? c.text : "(null)");
+  }
 }
 
 }  // namespace

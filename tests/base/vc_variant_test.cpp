@@ -5,89 +5,99 @@
 
 #include <cmath>
 #include <limits>
+#include <source_location>
 #include <utility>
 
 namespace {
+
+using Int64Limits = std::numeric_limits<int64_t>;
+constexpr int32_t kNoCase = VCVariant::kCompareNoCase;
+constexpr int32_t kConvert = VCVariant::kCompareConvert;
 
 class VCVariantTest : public ::testing::Test {
  protected:
   void SetUp() override { VFErrorClear(); }
   void TearDown() override { VFErrorClear(); }
-
-  static VCVariant Date(const char* text) {
-    VCTime t;
-    EXPECT_TRUE(t.DecodeString(text, VCTime::kDecodeDate | VCTime::kDecodeDateTime));
-    return VCVariant(t);
-  }
 };
 
-int32_t Sign(int32_t value) {
-  return (value > 0) - (value < 0);
+VCVariant Date(const char* text) {
+  VCTime t;
+  EXPECT_TRUE(t.DecodeString(text, VCTime::kDecodeDate | VCTime::kDecodeDateTime));
+  return VCVariant(t);
 }
 
-TEST_F(VCVariantTest, NumbersCompareByValueAcrossTypes) {
-  EXPECT_EQ(VCVariant(int32_t{2}).Compare(VCVariant(2.0), 0), 0);
-  EXPECT_LT(VCVariant(int32_t{2}).Compare(VCVariant(2.5), 0), 0);
-  EXPECT_GT(VCVariant(2.5).Compare(VCVariant(int64_t{2}), 0), 0);
-  EXPECT_LT(VCVariant(int16_t{-1}).Compare(VCVariant(0.5f), 0), 0);
-  EXPECT_EQ(VCVariant(true).Compare(VCVariant(int16_t{1}), 0), 0);
-  // Integers too large for a double's mantissa still compare exactly.
-  EXPECT_GT(VCVariant(int64_t{9007199254740993}).Compare(VCVariant(9007199254740992.0), 0), 0);
-  EXPECT_LT(VCVariant(std::numeric_limits<int64_t>::max()).Compare(VCVariant(1e19), 0), 0);
-  EXPECT_GT(VCVariant(std::numeric_limits<int64_t>::min()).Compare(VCVariant(-1e19), 0), 0);
-  EXPECT_LT(VCVariant(int64_t{-3}).Compare(VCVariant(-2.5), 0), 0);
-  // NaN sorts after every number and equals NaN.
+// Checks one conversion: its value and its ok flag.
+template <class T, class E>
+void ExpectGet(const VCVariant& v, T (VCVariant::*get)(bool*) const, E expected, bool expectedOk,
+               std::source_location where = std::source_location::current()) {
+  SCOPED_TRACE(::testing::Message() << "line " << where.line());
+  bool ok = !expectedOk;
+  EXPECT_EQ((v.*get)(&ok), static_cast<T>(expected));
+  EXPECT_EQ(ok, expectedOk);
+}
+
+TEST_F(VCVariantTest, CompareOrdersByValueKindAndFlags) {
+  struct Case {
+    VCVariant a, b;
+    int32_t flags;
+    int sign;
+  };
   const VCVariant nan(std::nan(""));
-  EXPECT_GT(nan.Compare(VCVariant(1e308), 0), 0);
-  EXPECT_LT(VCVariant(int32_t{5}).Compare(nan, 0), 0);
-  EXPECT_EQ(nan.Compare(VCVariant(std::nanf("")), 0), 0);
+  const VCVariant three(int64_t{3});
+  const Case cases[] = {
+      // Numbers by value across types; integers beyond a double's mantissa exactly.
+      {VCVariant(int32_t{2}), VCVariant(2.0), 0, 0},
+      {VCVariant(int32_t{2}), VCVariant(2.5), 0, -1},
+      {VCVariant(2.5), VCVariant(int64_t{2}), 0, 1},
+      {VCVariant(int16_t{-1}), VCVariant(0.5f), 0, -1},
+      {VCVariant(true), VCVariant(int16_t{1}), 0, 0},
+      {VCVariant(int64_t{9007199254740993}), VCVariant(9007199254740992.0), 0, 1},
+      {VCVariant(Int64Limits::max()), VCVariant(1e19), 0, -1},
+      {VCVariant(Int64Limits::min()), VCVariant(-1e19), 0, 1},
+      {VCVariant(int64_t{-3}), VCVariant(-2.5), 0, -1},
+      // NaN sorts after every number and equals NaN.
+      {nan, VCVariant(1e308), 0, 1},
+      {VCVariant(int32_t{5}), nan, 0, -1},
+      {nan, VCVariant(std::nanf("")), 0, 0},
+      // Dates chronologically.
+      {Date("2023-12-31T23:59:59"), Date("2024-01-01"), 0, -1},
+      {Date("2024-01-05"), Date("2024-01-05T00:00:00"), 0, 0},
+      // Texts byte-wise or ignoring case; the convert flag alone does not fold case.
+      {VCVariant("abc"), VCVariant("ABC"), 0, 1},
+      {VCVariant("abc"), VCVariant("ABC"), kNoCase, 0},
+      {VCVariant("abc"), VCVariant("abd"), kNoCase, -1},
+      {VCVariant("10"), VCVariant("9"), 0, -1},
+      {VCVariant("abc"), VCVariant("ABC"), kConvert, 1},
+      // Texts against numbers and dates: by kind, or by value with the convert flag.
+      {VCVariant("3"), three, 0, 1},
+      {VCVariant("3"), three, kConvert, 0},
+      {VCVariant(" 3.0 "), three, kConvert, 0},
+      {three, VCVariant("10"), kConvert, -1},
+      {VCVariant("10"), three, kConvert, 1},
+      {VCVariant("abc"), three, kConvert, 1},
+      {three, VCVariant("abc"), kConvert, -1},
+      {VCVariant("2024-01-05"), Date("2024-01-05"), kConvert, 0},
+      {Date("2024-01-04"), VCVariant("2024-01-05T08:00"), kConvert, -1},
+      {VCVariant("2024-01-05"), Date("2024-01-05"), 0, 1},
+      {VCVariant("3"), VCVariant(), kConvert, 1},
+  };
+  for (size_t i = 0; i < std::size(cases); ++i) {
+    const int result = cases[i].a.Compare(cases[i].b, cases[i].flags);
+    EXPECT_EQ((result > 0) - (result < 0), cases[i].sign) << "row " << i;
+  }
 }
 
 TEST_F(VCVariantTest, KindsOrderNullNumberDateTextBuffer) {
-  const VCVariant null;
-  const VCVariant number(-1e300);
-  const VCVariant date = Date("0001-01-01");
-  const VCVariant text("");
   VCVariant buffer;
   buffer.SetBuffer_S(0);
-  const VCVariant ordered[] = {null, number, date, text, buffer};
+  const VCVariant ordered[] = {VCVariant(), VCVariant(-1e300), Date("0001-01-01"), VCVariant(""),
+                               buffer};
   for (size_t i = 0; i < 5; ++i) {
     for (size_t j = 0; j < 5; ++j) {
-      EXPECT_EQ(Sign(ordered[i].Compare(ordered[j], 0)), (i > j) - (i < j)) << i << "," << j;
+      const int result = ordered[i].Compare(ordered[j], 0);
+      EXPECT_EQ((result > 0) - (result < 0), (i > j) - (i < j)) << i << "," << j;
     }
   }
-  EXPECT_EQ(VCVariant(), VCVariant());
-}
-
-TEST_F(VCVariantTest, DatesCompareChronologically) {
-  EXPECT_LT(Date("2023-12-31T23:59:59").Compare(Date("2024-01-01"), 0), 0);
-  EXPECT_EQ(Date("2024-01-05").Compare(Date("2024-01-05T00:00:00"), 0), 0);
-}
-
-TEST_F(VCVariantTest, TextsCompareByteWiseOrIgnoringCase) {
-  const VCVariant lower("abc");
-  const VCVariant upper("ABC");
-  EXPECT_GT(lower.Compare(upper, 0), 0);
-  EXPECT_EQ(lower.Compare(upper, VCVariant::kCompareNoCase), 0);
-  EXPECT_LT(VCVariant("abc").Compare(VCVariant("abd"), VCVariant::kCompareNoCase), 0);
-  EXPECT_LT(VCVariant("10").Compare(VCVariant("9"), 0), 0);
-  EXPECT_GT(lower.Compare(upper, VCVariant::kCompareConvert), 0);
-}
-
-TEST_F(VCVariantTest, ConvertFlagComparesTextWithNumbersAndDatesByValue) {
-  const int32_t convert = VCVariant::kCompareConvert;
-  const VCVariant three(int64_t{3});
-  EXPECT_GT(VCVariant("3").Compare(three, 0), 0);  // without the flag, texts follow numbers
-  EXPECT_EQ(VCVariant("3").Compare(three, convert), 0);
-  EXPECT_EQ(VCVariant(" 3.0 ").Compare(three, convert), 0);
-  EXPECT_LT(three.Compare(VCVariant("10"), convert), 0);
-  EXPECT_GT(VCVariant("10").Compare(three, convert), 0);
-  EXPECT_GT(VCVariant("abc").Compare(three, convert), 0);  // not a number: by kind
-  EXPECT_LT(three.Compare(VCVariant("abc"), convert), 0);
-  EXPECT_EQ(VCVariant("2024-01-05").Compare(Date("2024-01-05"), convert), 0);
-  EXPECT_LT(Date("2024-01-04").Compare(VCVariant("2024-01-05T08:00"), convert), 0);
-  EXPECT_GT(VCVariant("2024-01-05").Compare(Date("2024-01-05"), 0), 0);
-  EXPECT_GT(VCVariant("3").Compare(VCVariant(), convert), 0);
 }
 
 TEST_F(VCVariantTest, OperatorsUseTheDefaultOrder) {
@@ -96,90 +106,60 @@ TEST_F(VCVariantTest, OperatorsUseTheDefaultOrder) {
   EXPECT_TRUE(VCVariant(int32_t{3}) > VCVariant(2.5));
   EXPECT_FALSE(VCVariant(2.5) > VCVariant(int32_t{3}));
   EXPECT_TRUE(VCVariant() < VCVariant(int16_t{-5}));
+  EXPECT_EQ(VCVariant(), VCVariant());
 }
 
-TEST_F(VCVariantTest, IntegerConversionsCutTowardsZeroAndClamp) {
-  bool ok = false;
-  EXPECT_EQ(VCVariant(-2.9).GetLong(&ok), -2);
-  EXPECT_TRUE(ok);
-  EXPECT_EQ(VCVariant(int32_t{70000}).GetShort(&ok), 32767);
-  EXPECT_FALSE(ok);
-  EXPECT_EQ(VCVariant(-1e30).GetLong(&ok), std::numeric_limits<int32_t>::min());
-  EXPECT_FALSE(ok);
-  EXPECT_EQ(VCVariant(9.3e18).GetHuge(&ok), std::numeric_limits<int64_t>::max());
-  EXPECT_FALSE(ok);
-  EXPECT_EQ(VCVariant(std::nan("")).GetHuge(&ok), 0);
-  EXPECT_FALSE(ok);
-  EXPECT_EQ(VCVariant(true).GetShort(&ok), 1);
-  EXPECT_TRUE(ok);
-  EXPECT_EQ(VCVariant().GetLong(&ok), 0);
-  EXPECT_FALSE(ok);
-  EXPECT_EQ(VCVariant(1e300).GetFloat(&ok), std::numeric_limits<float>::infinity());
-  EXPECT_FALSE(ok);
-  EXPECT_EQ(Date("1970-01-02").GetDouble(&ok), 86400.0);
-  EXPECT_TRUE(ok);
-}
-
-TEST_F(VCVariantTest, TextConvertsToANumberOnlyWhenAllOfItIsOne) {
-  bool ok = false;
-  EXPECT_EQ(VCVariant(" 42 ").GetLong(&ok), 42);
-  EXPECT_TRUE(ok);
-  EXPECT_EQ(VCVariant("+7").GetShort(&ok), 7);
-  EXPECT_TRUE(ok);
-  EXPECT_EQ(VCVariant("-1.5e3").GetDouble(&ok), -1500.0);
-  EXPECT_TRUE(ok);
-  EXPECT_EQ(VCVariant("2.9").GetLong(&ok), 2);
-  EXPECT_TRUE(ok);
-  EXPECT_EQ(VCVariant("9223372036854775807").GetHuge(&ok), std::numeric_limits<int64_t>::max());
-  EXPECT_TRUE(ok);
+TEST_F(VCVariantTest, NumberConversionsCutTowardsZeroClampAndReadWholeTexts) {
+  ExpectGet(VCVariant(-2.9), &VCVariant::GetLong, -2, true);
+  ExpectGet(VCVariant(int32_t{70000}), &VCVariant::GetShort, 32767, false);
+  ExpectGet(VCVariant(-1e30), &VCVariant::GetLong, std::numeric_limits<int32_t>::min(), false);
+  ExpectGet(VCVariant(9.3e18), &VCVariant::GetHuge, Int64Limits::max(), false);
+  ExpectGet(VCVariant(std::nan("")), &VCVariant::GetHuge, 0, false);
+  ExpectGet(VCVariant(true), &VCVariant::GetShort, 1, true);
+  ExpectGet(VCVariant(), &VCVariant::GetLong, 0, false);
+  ExpectGet(VCVariant(1e300), &VCVariant::GetFloat, std::numeric_limits<float>::infinity(), false);
+  ExpectGet(Date("1970-01-02"), &VCVariant::GetDouble, 86400.0, true);
+  ExpectGet(VCVariant(" 42 "), &VCVariant::GetLong, 42, true);
+  ExpectGet(VCVariant("+7"), &VCVariant::GetShort, 7, true);
+  ExpectGet(VCVariant("-1.5e3"), &VCVariant::GetDouble, -1500.0, true);
+  ExpectGet(VCVariant("2.9"), &VCVariant::GetLong, 2, true);
+  ExpectGet(VCVariant("9223372036854775807"), &VCVariant::GetHuge, Int64Limits::max(), true);
   for (const char* text : {"abc", "", "  ", "12abc", "1 2", "+-1", "0x10", "1e999"}) {
-    EXPECT_EQ(VCVariant(text).GetDouble(&ok), 0.0) << text;
-    EXPECT_FALSE(ok) << text;
+    SCOPED_TRACE(text);
+    ExpectGet(VCVariant(text), &VCVariant::GetDouble, 0.0, false);
   }
 }
 
 TEST_F(VCVariantTest, GetStringGivesShortestRoundTripText) {
-  EXPECT_EQ(VCVariant(0.1).GetString(), "0.1");
-  EXPECT_EQ(VCVariant(0.1f).GetString(), "0.1");
-  EXPECT_EQ(VCVariant(1e21).GetString(), "1e+21");
-  EXPECT_EQ(VCVariant(2.0).GetString(), "2");
-  EXPECT_EQ(VCVariant(-0.30000000000000004).GetString(), "-0.30000000000000004");
-  EXPECT_EQ(VCVariant(int16_t{-5}).GetString(), "-5");
-  EXPECT_EQ(VCVariant(std::numeric_limits<int64_t>::min()).GetString(), "-9223372036854775808");
-  EXPECT_EQ(VCVariant(false).GetString(), "0");
-  EXPECT_EQ(VCVariant(static_cast<const char*>(nullptr)).GetString(), "");
-  EXPECT_EQ(Date("2024-01-05").GetString(), "2024-01-05T00:00:00");
-  bool ok = true;
-  EXPECT_EQ(VCVariant().GetString(&ok), "");
-  EXPECT_FALSE(ok);
+  ExpectGet(VCVariant(0.1), &VCVariant::GetString, "0.1", true);
+  ExpectGet(VCVariant(0.1f), &VCVariant::GetString, "0.1", true);
+  ExpectGet(VCVariant(1e21), &VCVariant::GetString, "1e+21", true);
+  ExpectGet(VCVariant(2.0), &VCVariant::GetString, "2", true);
+  ExpectGet(VCVariant(-0.30000000000000004), &VCVariant::GetString, "-0.30000000000000004", true);
+  ExpectGet(VCVariant(int16_t{-5}), &VCVariant::GetString, "-5", true);
+  ExpectGet(VCVariant(Int64Limits::min()), &VCVariant::GetString, "-9223372036854775808", true);
+  ExpectGet(VCVariant(false), &VCVariant::GetString, "0", true);
+  ExpectGet(VCVariant(static_cast<const char*>(nullptr)), &VCVariant::GetString, "", true);
+  ExpectGet(Date("2024-01-05"), &VCVariant::GetString, "2024-01-05T00:00:00", true);
+  ExpectGet(VCVariant(), &VCVariant::GetString, "", false);
   VCVariant buffer;
   buffer.SetBuffer_D(1);
-  EXPECT_EQ(buffer.GetString(&ok), "");
-  EXPECT_FALSE(ok);
+  ExpectGet(buffer, &VCVariant::GetString, "", false);
 }
 
 TEST_F(VCVariantTest, BoolAndTimeConversions) {
-  bool ok = false;
-  EXPECT_TRUE(VCVariant(" TRUE ").GetBool(&ok));
-  EXPECT_TRUE(ok);
-  EXPECT_FALSE(VCVariant("false").GetBool(&ok));
-  EXPECT_TRUE(ok);
-  EXPECT_TRUE(VCVariant(0.5).GetBool(&ok));
-  EXPECT_FALSE(VCVariant("0").GetBool(&ok));
-  EXPECT_TRUE(ok);
-  EXPECT_FALSE(VCVariant("maybe").GetBool(&ok));
-  EXPECT_FALSE(ok);
-  EXPECT_FALSE(Date("2024-01-05").GetBool(&ok));
-  EXPECT_FALSE(ok);
-
-  EXPECT_EQ(VCVariant("2024-01-05T10:20").GetTime(&ok).GetMinute(), 20);
-  EXPECT_TRUE(ok);
-  EXPECT_EQ(Date("2024-03-05").GetTime(&ok).GetMonth(), 2);
-  EXPECT_TRUE(ok);
-  EXPECT_EQ(VCVariant(86400.0).GetTime(&ok), VCTime());
-  EXPECT_FALSE(ok);
-  VCVariant("2024").GetTime(&ok);
-  EXPECT_FALSE(ok);
+  ExpectGet(VCVariant(" TRUE "), &VCVariant::GetBool, true, true);
+  ExpectGet(VCVariant("false"), &VCVariant::GetBool, false, true);
+  ExpectGet(VCVariant(0.5), &VCVariant::GetBool, true, true);
+  ExpectGet(VCVariant("0"), &VCVariant::GetBool, false, true);
+  ExpectGet(VCVariant("maybe"), &VCVariant::GetBool, false, false);
+  ExpectGet(Date("2024-01-05"), &VCVariant::GetBool, false, false);
+  VCTime t;
+  ASSERT_TRUE(t.SetDateTime(2024, 2, 5, 10, 20));
+  ExpectGet(VCVariant("2024-03-05T10:20"), &VCVariant::GetTime, t, true);
+  ExpectGet(Date("2024-03-05T10:20"), &VCVariant::GetTime, t, true);
+  ExpectGet(VCVariant(86400.0), &VCVariant::GetTime, VCTime(), false);
+  ExpectGet(VCVariant("2024"), &VCVariant::GetTime, VCTime(), false);
   EXPECT_EQ(VFErrorGetCount(), 0u);
 }
 
@@ -194,7 +174,6 @@ TEST_F(VCVariantTest, BuffersAreSizedAndReused) {
   d[0] = 1.5;
   d[1] = 2.5;
   d[2] = 3.5;
-
   double* grown = v.SetBuffer_D(5);
   ASSERT_NE(grown, nullptr);
   EXPECT_EQ(v.GetBufferSize(), 5);
@@ -211,19 +190,14 @@ TEST_F(VCVariantTest, BuffersAreSizedAndReused) {
   EXPECT_EQ(v.GetBuffer_L(), l);
   EXPECT_EQ(l[0], 0);
   EXPECT_EQ(v.GetBufferSize(), 4);
-
   EXPECT_NE(v.SetBuffer_H(0), nullptr);
   EXPECT_EQ(v.GetBufferSize(), 0);
   EXPECT_EQ(v.GetType(), VTVariantType::HugeBuffer);
-
   v.SetDouble(1.0);
   EXPECT_EQ(v.GetBuffer_H(), nullptr);
   EXPECT_EQ(v.GetBufferSize(), 0);
-  EXPECT_EQ(VFErrorGetCount(), 0u);
-}
 
-TEST_F(VCVariantTest, EveryBufferTypeHasItsOwnAccessor) {
-  VCVariant v;
+  // Every buffer type has its own accessor.
   ASSERT_NE(v.SetBuffer_S(2), nullptr);
   EXPECT_NE(v.GetBuffer_S(), nullptr);
   EXPECT_EQ(v.GetBuffer_U(), nullptr);
@@ -237,6 +211,7 @@ TEST_F(VCVariantTest, EveryBufferTypeHasItsOwnAccessor) {
   EXPECT_EQ(p[1], nullptr);
   p[1] = &marker;
   EXPECT_EQ(static_cast<const VCVariant&>(v).GetBuffer_P()[1], &marker);
+  EXPECT_EQ(VFErrorGetCount(), 0u);
 }
 
 TEST_F(VCVariantTest, BadBufferSizesFailAndLeaveTheVariantAlone) {
@@ -247,7 +222,7 @@ TEST_F(VCVariantTest, BadBufferSizesFailAndLeaveTheVariantAlone) {
   EXPECT_EQ(v.SetBuffer_D(-1), nullptr);
   EXPECT_EQ(VFErrorGetCode(VFErrorGetLast()), kVCVariantErrorBufferSize);
   EXPECT_STREQ(VFErrorGetLocation(VFErrorGetLast()), "VCVariant::SetBuffer_D");
-  EXPECT_EQ(v.SetBuffer_T(std::numeric_limits<int64_t>::max()), nullptr);
+  EXPECT_EQ(v.SetBuffer_T(Int64Limits::max()), nullptr);
   EXPECT_EQ(VFErrorGetCode(VFErrorGetLast()), kVCVariantErrorMemory);
   EXPECT_EQ(v.GetBuffer_D(), d);
   EXPECT_EQ(v.GetBufferSize(), 2);
@@ -266,11 +241,9 @@ TEST_F(VCVariantTest, CopiesAreDeepAndBuffersCompareByContent) {
   copy.GetBuffer_T()[1] = "c";
   EXPECT_EQ(texts.GetBuffer_T()[1], "b");
   EXPECT_LT(texts.Compare(copy, 0), 0);
-
   VCVariant shorter;
   shorter.SetBuffer_T(1)[0] = "a";
   EXPECT_GT(texts.Compare(shorter, 0), 0);
-
   VCVariant moved = std::move(copy);
   EXPECT_EQ(moved.GetBufferSize(), 2);
   VCVariant assigned(int32_t{1});
