@@ -3,7 +3,8 @@
 // A case file holds cases, each opened by "=== title", with sections:
 //   [table NAME] or [table NAME@ROWS]   an input table as CSV (header cells
 //              `name`, `name:type`, `name:status`; see tools/text/table_csv.h),
-//              whole or with the selected rows; tables are added in order
+//              whole or with the selected rows; tables are added in order;
+//              a case without tables runs on those of the case before it
 //   [job]      one setting a line, as the options of `utilkit table`:
 //                all-columns
 //                columns: A,B
@@ -26,9 +27,15 @@
 //              that does not read
 //   [errors]   the records on the error stack afterwards, one a line:
 //              code | location | message | flag (none: empty)
+//   [job failures] [csv failures]   alone in their case: jobs whose options
+//              or tables (A) that do not read, one a line: each setting or
+//              CSV line in backquotes followed by a blank, then the failure
+//              and, after "  # ", a note
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -85,6 +92,51 @@ utilkit::tool::TableJob ReadJob(const std::string* text) {
   return job;
 }
 
+bool IsTable(const std::pair<std::string, std::string>& section) {
+  return section.first.rfind("table ", 0) == 0;
+}
+
+// The cases, each without tables given those of the case before it.
+std::vector<case_file::Case> LoadCases() {
+  std::vector<case_file::Case> cases = case_file::Load("table");
+  for (size_t i = 1; i < cases.size(); ++i) {
+    auto& sections = cases[i].sections;
+    if (std::any_of(sections.begin(), sections.end(), IsTable)) continue;
+    const auto& before = cases[i - 1].sections;
+    std::vector<std::pair<std::string, std::string>> tables;
+    std::copy_if(before.begin(), before.end(), std::back_inserter(tables), IsTable);
+    sections.insert(sections.begin(), tables.begin(), tables.end());
+  }
+  return cases;
+}
+
+// The [job failures] or [csv failures] rows: each line's backquoted items,
+// one a line, must fail to read with the rest of the line as the failure.
+void CheckFailures(const std::string& rows, bool csv) {
+  std::istringstream lines(rows);
+  for (std::string line; std::getline(lines, line);) {
+    SCOPED_TRACE(line);
+    std::string items;
+    size_t at = 0;
+    while (at < line.size() && line[at] == '`') {
+      const size_t close = line.find('`', at + 1);
+      ASSERT_NE(close, std::string::npos);
+      items += line.substr(at + 1, close - at - 1) + "\n";
+      at = close + 2;
+    }
+    std::string failure;
+    if (csv) {
+      VCUDictionary texts;
+      VCUTableMemory table("A");
+      EXPECT_FALSE(utilkit::tool::CsvToMemoryTable(items, "A", &table, &texts, &failure));
+    } else {
+      utilkit::tool::TableOperations operations;
+      EXPECT_FALSE(utilkit::tool::BuildTableOperations(ReadJob(&items), &operations, &failure));
+    }
+    EXPECT_EQ(failure, line.substr(std::min(at, line.size()), line.find("  # ", at) - at));
+  }
+}
+
 class TableCaseTest : public testing::TestWithParam<case_file::Case> {
  protected:
   void SetUp() override { VFErrorClear(); }
@@ -93,12 +145,14 @@ class TableCaseTest : public testing::TestWithParam<case_file::Case> {
 
 TEST_P(TableCaseTest, GivesTheExpectedOutputAndErrors) {
   const case_file::Case& c = GetParam();
+  if (c.Find("job failures")) return CheckFailures(*c.Find("job failures"), false);
+  if (c.Find("csv failures")) return CheckFailures(*c.Find("csv failures"), true);
   std::vector<std::unique_ptr<VCUDictionary>> texts;
   std::vector<std::unique_ptr<VCUTableMemory>> tables;
   std::vector<utilkit::tool::TableInput> inputs;
   std::string failure;
   for (const auto& [title, text] : c.sections) {
-    if (title.rfind("table ", 0) != 0 || !failure.empty()) continue;
+    if (!IsTable({title, text}) || !failure.empty()) continue;
     std::string name;
     utilkit::tool::TableInput& input = inputs.emplace_back();
     utilkit::tool::SplitInputArgument(title.substr(6), &name, &input.rows, &input.selected);
@@ -138,7 +192,6 @@ TEST_P(TableCaseTest, GivesTheExpectedOutputAndErrors) {
   EXPECT_EQ(ErrorRecords(), BlockOf(c, "errors"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, TableCaseTest, testing::ValuesIn(case_file::Load("table")),
-                         case_file::TestName);
+INSTANTIATE_TEST_SUITE_P(Files, TableCaseTest, testing::ValuesIn(LoadCases()), case_file::TestName);
 
 }  // namespace
