@@ -76,22 +76,26 @@ class MandatoryTest : public props_test::UserPropsTest {
     ASSERT_TRUE(set.Copy(user.GetPropertySet()));
   }
 
+  // Checks that validation failed at the mandatory property `name`.
+  static void ExpectMissing(const char* name) {
+    ExpectErrors({{kPropertiesErrorMandatory,
+                   std::string("Mandatory property is not defined: ") + name, kValidateAt, 0}});
+  }
+
   VCUUserDefinedProperties user;
   R5PropertySet set;
 };
 
 TEST_F(MandatoryTest, AnEmptyMandatoryStringFails) {
   EXPECT_FALSE(user.ValidateMandatoryInSet(&set));
-  ExpectErrors(
-      {{kPropertiesErrorMandatory, "Mandatory property is not defined: Operator", kValidateAt, 0}});
+  ExpectMissing("Operator");
 }
 
 TEST_F(MandatoryTest, AnUndefinedMandatoryNumberFailsAndLaterOnesAreNotExamined) {
   set.GetProperty("Operator")->SetValueText("Ann");
   set.GetProperty("Unit")->SetMandatory(true);  // not defined either
   EXPECT_FALSE(user.ValidateMandatoryInSet(&set));
-  ExpectErrors(
-      {{kPropertiesErrorMandatory, "Mandatory property is not defined: Runs", kValidateAt, 0}});
+  ExpectMissing("Runs");
 }
 
 TEST_F(MandatoryTest, AMandatoryStringWithTextMustAlsoBeDefined) {
@@ -110,8 +114,7 @@ TEST_F(MandatoryTest, TheFlagsOfTheGivenSetDecide) {
   EXPECT_TRUE(user.ValidateMandatoryInSet(&set));
   set.GetProperty("Unit")->SetMandatory(true);
   EXPECT_FALSE(user.ValidateMandatoryInSet(&set));
-  ExpectErrors(
-      {{kPropertiesErrorMandatory, "Mandatory property is not defined: Unit", kValidateAt, 0}});
+  ExpectMissing("Unit");
 }
 
 TEST_F(MandatoryTest, APropertyMissingFromTheSetFails) {
@@ -119,8 +122,7 @@ TEST_F(MandatoryTest, APropertyMissingFromTheSetFails) {
   set.GetProperty("Runs")->SetValueText("3");
   set.RemoveProperty("Unit");
   EXPECT_FALSE(user.ValidateMandatoryInSet(&set));
-  ExpectErrors(
-      {{kPropertiesErrorMandatory, "Mandatory property is not defined: Unit", kValidateAt, 0}});
+  ExpectMissing("Unit");
 }
 
 TEST_F(UserPropertiesTest, UpdateAddsReplacesAndRemovesUserDefinedProperties) {

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include <utilkit/base/error_stack.h>
 #include <utilkit/base/text_table.h>
@@ -35,25 +36,16 @@ TEST_F(DataBufferTest, NewBufferIsEmptyWithOneIncrementOfSpace) {
 }
 
 TEST_F(DataBufferTest, GrowthFollowsTheIncrementRule) {
+  // Requested size, then the block: whole multiples of an increment that a
+  // request above twice it raises to half the request (at most 500000).
+  const std::pair<int32_t, int32_t> steps[] = {
+      {1, 4096},      {10001, 15000}, {20001, 30000},     {100, 30000},      {30000, 30000},
+      {30001, 45000}, {45001, 67500}, {3000000, 3500000}, {3500001, 4000000}};
   VCUDataBuffer b;
-  EXPECT_TRUE(b.SetAllocSize(1));
-  EXPECT_EQ(b.GetAllocSize(), 4096);
-  EXPECT_TRUE(b.SetAllocSize(10001));  // increment becomes 5000
-  EXPECT_EQ(b.GetAllocSize(), 15000);
-  EXPECT_TRUE(b.SetAllocSize(20001));  // increment becomes 10000
-  EXPECT_EQ(b.GetAllocSize(), 30000);
-  EXPECT_TRUE(b.SetAllocSize(100));  // never shrinks
-  EXPECT_EQ(b.GetAllocSize(), 30000);
-  EXPECT_TRUE(b.SetAllocSize(30000));  // nor grows when the block is large enough
-  EXPECT_EQ(b.GetAllocSize(), 30000);
-  EXPECT_TRUE(b.SetAllocSize(30001));  // increment becomes 15000
-  EXPECT_EQ(b.GetAllocSize(), 45000);
-  EXPECT_TRUE(b.SetAllocSize(45001));  // increment becomes 22500
-  EXPECT_EQ(b.GetAllocSize(), 67500);
-  EXPECT_TRUE(b.SetAllocSize(3000000));  // increment capped at 500000
-  EXPECT_EQ(b.GetAllocSize(), 3500000);
-  EXPECT_TRUE(b.SetAllocSize(3500001));
-  EXPECT_EQ(b.GetAllocSize(), 4000000);
+  for (const auto& [request, allocated] : steps) {
+    EXPECT_TRUE(b.SetAllocSize(request)) << request;
+    EXPECT_EQ(b.GetAllocSize(), allocated) << request;
+  }
   EXPECT_EQ(VFErrorGetCount(), 0u);
 }
 
