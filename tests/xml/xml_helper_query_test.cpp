@@ -5,6 +5,8 @@
 #include <utilkit/base/encoding.h>
 #include <utilkit/xml/xml_errors.h>
 
+#include <utility>
+
 #include "xml/xml_test_support.h"
 
 namespace {
@@ -43,19 +45,15 @@ TEST_F(XmlQueryTest, SingleElementChildTakesTheFirstMatchSilently) {
   EXPECT_EQ(VFErrorGetCount(), 0u);  // the second <c> raises nothing
 }
 
-TEST_F(XmlQueryTest, SingleElementChildLooksOnlyAtDirectChildren) {
-  DOM_Node out = root;
-  EXPECT_FALSE(VCUXmlHelper::GetSingleElementChild(root, "deep", &out));
-  EXPECT_TRUE(out.isNull());
-  ExpectOnlyError(kXmlErrorNoElement, "deep", "VCUXmlHelper::GetSingleElementChild");
-
-  VFErrorClear();
-  EXPECT_FALSE(VCUXmlHelper::GetSingleElementChild(root, "C", &out));  // case-sensitive
-  ExpectOnlyError(kXmlErrorNoElement, "C", "VCUXmlHelper::GetSingleElementChild");
-
-  VFErrorClear();
-  EXPECT_FALSE(VCUXmlHelper::GetSingleElementChild(DOM_Node(), "c", &out));
-  ExpectOnlyError(kXmlErrorNoElement, "c", "VCUXmlHelper::GetSingleElementChild");
+TEST_F(XmlQueryTest, SingleElementChildLooksOnlyAtDirectChildrenByExactName) {
+  for (const auto& [parent, tag] :
+       {std::pair<DOM_Node, const char*>{root, "deep"}, {root, "C"}, {DOM_Node(), "c"}}) {
+    VFErrorClear();
+    DOM_Node out = root;
+    EXPECT_FALSE(VCUXmlHelper::GetSingleElementChild(parent, tag, &out));
+    EXPECT_TRUE(out.isNull());
+    ExpectOnlyError(kXmlErrorNoElement, tag, "VCUXmlHelper::GetSingleElementChild");
+  }
 }
 
 TEST_F(XmlQueryTest, AttributeValuesAndTheirFailures) {
