@@ -9,7 +9,7 @@
 
 #include "table/table_test_util.h"
 
-using table_test::Error;
+using table_test::Cells;
 using table_test::Errors;
 using table_test::MemoryError;
 
@@ -26,46 +26,27 @@ class MemoryTableTest : public ::testing::Test {
   }
   void TearDown() override { VFErrorClear(); }
 
-  // The single error of a failed call, then clears the stack.
-  static Error TakeError() {
-    std::vector<Error> errors = Errors();
-    VFErrorClear();
-    return errors.size() == 1 ? errors[0] : Error{0, "not exactly one error", "", 0};
-  }
-
   VCUTableMemory table{"Tests"};
 };
 
 TEST_F(MemoryTableTest, BulkReadChecksInOrder) {
   int16_t s[6] = {};
   uint16_t status[6] = {};
-  EXPECT_FALSE(table.GetValues_S(2, 1, 1, s));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid column index"));
-  EXPECT_FALSE(table.GetValues_S(-1, 0, -5, s));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid column index"));
-  EXPECT_FALSE(table.GetValues_S(0, 0, 1, s));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid row number"));
-  EXPECT_TRUE(table.GetValues_S(0, 1, 0, s));  // nothing to copy
-  EXPECT_FALSE(table.GetValues_S(0, 6, 0, s));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid row number"));
-  EXPECT_FALSE(table.GetValues_S(0, 4, 3, s));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid number of rows to read"));
-  EXPECT_FALSE(table.GetValues_S(0, 4, -1, s));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid number of rows to read"));
-  // The range is checked before the type.
   int32_t l[6] = {};
-  EXPECT_FALSE(table.GetValues_L(0, 4, 3, l));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid number of rows to read"));
-  EXPECT_FALSE(table.GetValues_L(0, 1, 1, l));
-  EXPECT_EQ(TakeError(), MemoryError("Column type mismatch"));
-  EXPECT_FALSE(table.GetValues_E(1, 1, 1, l, nullptr));
-  EXPECT_EQ(TakeError(), MemoryError("Column type mismatch"));
-  EXPECT_FALSE(table.GetStatusValues(0, 1, 1, status));
-  EXPECT_EQ(TakeError(), MemoryError("Column has no status data"));
+  EXPECT_FAILS(table.GetValues_S(2, 1, 1, s), MemoryError("Invalid column index"));
+  EXPECT_FAILS(table.GetValues_S(-1, 0, -5, s), MemoryError("Invalid column index"));
+  EXPECT_FAILS(table.GetValues_S(0, 0, 1, s), MemoryError("Invalid row number"));
+  EXPECT_TRUE(table.GetValues_S(0, 1, 0, s));  // nothing to copy
+  EXPECT_FAILS(table.GetValues_S(0, 6, 0, s), MemoryError("Invalid row number"));
+  EXPECT_FAILS(table.GetValues_S(0, 4, 3, s), MemoryError("Invalid number of rows to read"));
+  EXPECT_FAILS(table.GetValues_S(0, 4, -1, s), MemoryError("Invalid number of rows to read"));
+  // The range is checked before the type.
+  EXPECT_FAILS(table.GetValues_L(0, 4, 3, l), MemoryError("Invalid number of rows to read"));
+  EXPECT_FAILS(table.GetValues_L(0, 1, 1, l), MemoryError("Column type mismatch"));
+  EXPECT_FAILS(table.GetValues_E(1, 1, 1, l, nullptr), MemoryError("Column type mismatch"));
+  EXPECT_FAILS(table.GetStatusValues(0, 1, 1, status), MemoryError("Column has no status data"));
   ASSERT_TRUE(table.GetValues_S(0, 4, 2, s));
-  EXPECT_EQ(s[0], 4);
-  EXPECT_EQ(s[1], 5);
-  EXPECT_EQ(s[2], 0);  // untouched
+  EXPECT_EQ(Cells(s, 3), (std::vector<int16_t>{4, 5, 0}));  // the third untouched
 }
 
 // Peeking hands out the column's own cells, or null without a record.
@@ -74,14 +55,12 @@ TEST_F(MemoryTableTest, PeekValuesOnlyForDoubleColumnsInRange) {
   table.AddCol("Double", 3, d);
   const double* cells = table.PeekValues_D(2, 2, 2);
   ASSERT_NE(cells, nullptr);
-  EXPECT_EQ(cells[0], 2.5);
-  EXPECT_EQ(cells[1], 3.5);
-  EXPECT_EQ(table.PeekValues_D(0, 1, 1), nullptr);  // Short
-  EXPECT_EQ(table.PeekValues_D(3, 1, 1), nullptr);
-  EXPECT_EQ(table.PeekValues_D(-1, 1, 1), nullptr);
-  EXPECT_EQ(table.PeekValues_D(2, 0, 1), nullptr);
-  EXPECT_EQ(table.PeekValues_D(2, 1, 0), nullptr);
-  EXPECT_EQ(table.PeekValues_D(2, 2, 3), nullptr);
+  EXPECT_EQ(Cells(cells, 2), (std::vector<double>{2.5, 3.5}));
+  const int kOutside[][3] = {{0, 1, 1}, {3, 1, 1}, {-1, 1, 1}, {2, 0, 1}, {2, 1, 0}, {2, 2, 3}};
+  for (const auto& [col, first, count] : kOutside) {
+    EXPECT_EQ(table.PeekValues_D(col, first, count), nullptr)
+        << col << " " << first << " " << count;
+  }
   EXPECT_TRUE(Errors().empty());
 }
 
@@ -94,8 +73,7 @@ TEST_F(MemoryTableTest, ArrayReadersResizeOnlyAfterTheChecks) {
   EXPECT_FALSE(table.PeekTexts(2, 2, 2, views));
   VCStringArray out;
   out.Add("keep");
-  EXPECT_FALSE(table.GetValues_T(2, 2, 2, &out));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid number of rows to read"));
+  EXPECT_FAILS(table.GetValues_T(2, 2, 2, &out), MemoryError("Invalid number of rows to read"));
   ASSERT_EQ(out.GetSize(), 1);
   ASSERT_TRUE(table.GetValues_T(2, 2, 1, &out));
   ASSERT_EQ(out.GetSize(), 1);
@@ -108,27 +86,24 @@ TEST_F(MemoryTableTest, MetadataErrorsNameTheirMember) {
   char has;
   VCStringArray names;
   VCArrayWithSort<int32_t> codes;
-  EXPECT_FALSE(table.GetColKeyword(5, &text));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::GetColKeyword"));
-  EXPECT_FALSE(table.GetColDescription(5, &text));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::GetColDescription"));
-  EXPECT_FALSE(table.GetColUnits(5, &text));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::GetColUnits"));
-  EXPECT_FALSE(table.GetColType(5, &type));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::GetColType"));
-  EXPECT_FALSE(table.GetColHasStatus(5, &has));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::GetColHasStatus"));
-  EXPECT_FALSE(table.GetStatusColBitText(5, &names));
-  EXPECT_EQ(TakeError(),
-            MemoryError("Invalid column index", "VCUTableMemory::GetStatusColBitText"));
-  EXPECT_FALSE(table.GetEnumColOptions(5, &codes, &names));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::GetEnumColOptions"));
-  EXPECT_FALSE(table.SetColDescription(5, "d"));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::SetColDescription"));
-  EXPECT_FALSE(table.SetColUnits(-1, "u"));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid column index", "VCUTableMemory::SetColUnits"));
-  ASSERT_TRUE(table.SetColDescription(1, "Load"));
-  ASSERT_TRUE(table.SetColUnits(1, "N"));
+  const std::pair<const char*, bool> kCalls[] = {
+      {"GetColKeyword", table.GetColKeyword(5, &text)},
+      {"GetColDescription", table.GetColDescription(5, &text)},
+      {"GetColUnits", table.GetColUnits(5, &text)},
+      {"GetColType", table.GetColType(5, &type)},
+      {"GetColHasStatus", table.GetColHasStatus(5, &has)},
+      {"GetStatusColBitText", table.GetStatusColBitText(5, &names)},
+      {"GetEnumColOptions", table.GetEnumColOptions(5, &codes, &names)},
+      {"SetColDescription", table.SetColDescription(5, "d")},
+      {"SetColUnits", table.SetColUnits(-1, "u")}};
+  std::vector<table_test::Error> expected;
+  for (const auto& [member, ok] : kCalls) {
+    EXPECT_FALSE(ok) << member;
+    expected.push_back(
+        MemoryError("Invalid column index", (std::string("VCUTableMemory::") + member).c_str()));
+  }
+  EXPECT_EQ(Errors(), expected);
+  ASSERT_TRUE(table.SetColDescription(1, "Load") && table.SetColUnits(1, "N"));
   ASSERT_TRUE(table.GetColDescription(1, &text));
   EXPECT_EQ(text, "Load");
   ASSERT_TRUE(table.GetColUnits(1, &text));
@@ -149,18 +124,15 @@ TEST_F(MemoryTableTest, StatusWordsAppendAndUnknownKeywordsAreIgnored) {
   EXPECT_EQ(has, 1);
   uint16_t status[5] = {9, 9, 9, 9, 9};
   ASSERT_TRUE(table.GetStatusValues(0, 2, 4, status));  // bounded by the data, not the status
-  EXPECT_EQ(status[0], 1);
-  EXPECT_EQ(status[1], 0x8002);
-  EXPECT_EQ(status[2], 0);  // beyond the status list
-  EXPECT_EQ(status[3], 0);
+  // 0 beyond the status list, the last untouched.
+  EXPECT_EQ(Cells(status, 5), (std::vector<uint16_t>{1, 0x8002, 0, 0, 9}));
   VCStringArray texts;
   texts.Add("valid");
   table.SetColStatusBitText("short", texts);
   table.SetColStatusBitText("nothing", texts);
   VCStringArray back;
   ASSERT_TRUE(table.GetStatusColBitText(0, &back));
-  ASSERT_EQ(back.GetSize(), 1);
-  EXPECT_EQ(back[0], "valid");
+  EXPECT_EQ(std::vector<std::string>(back.begin(), back.end()), std::vector<std::string>{"valid"});
 }
 
 TEST_F(MemoryTableTest, DuplicateKeywordsActOnTheFirst) {
@@ -171,11 +143,9 @@ TEST_F(MemoryTableTest, DuplicateKeywordsActOnTheFirst) {
   int32_t index = -1;
   ASSERT_TRUE(table.GetColIndexFromKeyword("Long", &index));
   EXPECT_EQ(index, 1);
-  char has = 0;
-  ASSERT_TRUE(table.GetColHasStatus(1, &has));
-  EXPECT_EQ(has, 1);
-  ASSERT_TRUE(table.GetColHasStatus(2, &has));
-  EXPECT_EQ(has, 0);
+  char has[2] = {0, 1};
+  ASSERT_TRUE(table.GetColHasStatus(1, &has[0]) && table.GetColHasStatus(2, &has[1]));
+  EXPECT_EQ(Cells(has, 2), (std::vector<char>{1, 0}));
 }
 
 TEST_F(MemoryTableTest, EnumColumns) {
@@ -190,19 +160,17 @@ TEST_F(MemoryTableTest, EnumColumns) {
   int32_t out[4];
   VCStringArray outNames;
   ASSERT_TRUE(table.GetValues_E(2, 1, 4, out, &outNames));
-  EXPECT_EQ(std::vector<int32_t>(out, out + 4), (std::vector<int32_t>{1, 3, 7, 2}));
-  ASSERT_EQ(outNames.GetSize(), 4);
-  EXPECT_EQ(outNames[0], "off");
-  EXPECT_EQ(outNames[1], "LOW");
-  EXPECT_EQ(outNames[2], "");  // a code without an option
-  EXPECT_EQ(outNames[3], "high");
+  EXPECT_EQ(Cells(out, 4), (std::vector<int32_t>{1, 3, 7, 2}));
+  // A code without an option has the empty name.
+  EXPECT_EQ(std::vector<std::string>(outNames.begin(), outNames.end()),
+            (std::vector<std::string>{"off", "LOW", "", "high"}));
   VCArrayWithSort<int32_t> optionCodes;
   VCStringArray optionNames;
   ASSERT_TRUE(table.GetEnumColOptions(2, &optionCodes, &optionNames));
   EXPECT_EQ(std::vector<int32_t>(optionCodes.begin(), optionCodes.end()),
             (std::vector<int32_t>{1, 2, 3}));
-  EXPECT_EQ(optionNames[0], "off");
-  EXPECT_EQ(optionNames[2], "LOW");
+  EXPECT_EQ(std::vector<std::string>(optionNames.begin(), optionNames.end()),
+            (std::vector<std::string>{"off", "high", "LOW"}));
   ASSERT_TRUE(table.GetEnumColOptions(3, &optionCodes, &optionNames));
   EXPECT_EQ(optionNames[0], "b");  // sorted by code: 1 "b", 3 "a"
   ASSERT_TRUE(table.GetEnumColOptions(0, &optionCodes, &optionNames));
@@ -224,18 +192,16 @@ TEST_F(MemoryTableTest, TextColumnsFromEverySource) {
   ASSERT_TRUE(table.GetValues_T(2, 1, 2, out));
   EXPECT_EQ(out[1], "s2");
   ASSERT_TRUE(table.GetValues_T(3, 1, 2, out));
-  EXPECT_EQ(out[0], "c1");
-  EXPECT_EQ(out[1], "");
+  EXPECT_EQ(Cells(out, 2), (std::vector<VCString>{"c1", ""}));
   ASSERT_TRUE(table.GetValues_T(4, 1, 1, out));
   EXPECT_EQ(out[0], "a1");
   VCStringArray fromPool;
   ASSERT_TRUE(table.GetValues_T(5, 1, 3, &fromPool));
-  ASSERT_EQ(fromPool.GetSize(), 3);
-  EXPECT_EQ(fromPool[0], "d1");
-  EXPECT_EQ(fromPool[1], "");
-  EXPECT_EQ(fromPool[2], "d1");
-  EXPECT_FALSE(table.GetValues_T(5, 2, 3, &fromPool));  // the length is the references'
-  EXPECT_EQ(TakeError(), MemoryError("Invalid number of rows to read"));
+  EXPECT_EQ(std::vector<std::string>(fromPool.begin(), fromPool.end()),
+            (std::vector<std::string>{"d1", "", "d1"}));
+  // The length is the references'.
+  EXPECT_FAILS(table.GetValues_T(5, 2, 3, &fromPool),
+               MemoryError("Invalid number of rows to read"));
 }
 
 TEST_F(MemoryTableTest, CopiesShareTheColumns) {
@@ -263,8 +229,7 @@ TEST_F(MemoryTableTest, AddColWithoutValues) {
   ASSERT_TRUE(table.GetValues_D(2, 1, 2, d));
   EXPECT_EQ(d[1], 0.0);
   float f = 0;
-  EXPECT_FALSE(table.GetValues_F(3, 1, 0, &f));
-  EXPECT_EQ(TakeError(), MemoryError("Invalid row number"));
+  EXPECT_FAILS(table.GetValues_F(3, 1, 0, &f), MemoryError("Invalid row number"));
 }
 
 }  // namespace

@@ -63,39 +63,32 @@ class TableFilterTest : public ::testing::Test {
   }
   void TearDown() override { VFErrorClear(); }
 
-  // Rows 1 to 5 that `filter` passes, row by row and in one block.
+  // The rows of `list` that `filter` passes in one block check, sorted.
+  std::vector<int64_t> Block(VCUTableFilter& filter, std::vector<int32_t> list) {
+    std::vector<int32_t> passed(list.size());
+    int32_t count = -1;
+    EXPECT_TRUE(filter.CheckRows(&table, list.data(), static_cast<int32_t>(list.size()),
+                                 passed.data(), &count));
+    std::vector<int64_t> rows;
+    for (int32_t k = 0; k < count; ++k) rows.push_back(list[static_cast<size_t>(passed[k])]);
+    std::sort(rows.begin(), rows.end());
+    return rows;
+  }
+
+  // Rows 1 to 5 that `filter` passes row by row; checked to be the same in
+  // one block, as a list out of order and as a list with gaps.
   std::vector<int64_t> Passing(VCUTableFilter& filter) {
     EXPECT_TRUE(filter.Validate(&table));
-    std::vector<int64_t> rows;
+    std::vector<int64_t> rows, odd;
     for (int64_t row = 1; row <= 5; ++row) {
       char pass = 9;
       EXPECT_TRUE(filter.CheckRow(&table, row, &pass));
       if (pass) rows.push_back(row);
+      if (pass && row % 2) odd.push_back(row);
     }
-    // In one block, and as a list with gaps (rows 5, 2, 4 and 1, 3).
-    const int32_t all[] = {1, 2, 3, 4, 5};
-    const int32_t mixed[] = {5, 2, 4, 1, 3};
-    for (const int32_t* list : {all, mixed}) {
-      int32_t passed[5];
-      int32_t count = -1;
-      EXPECT_TRUE(filter.CheckRows(&table, list, 5, passed, &count));
-      std::vector<int64_t> blockRows;
-      for (int32_t k = 0; k < count; ++k) blockRows.push_back(list[passed[k]]);
-      std::sort(blockRows.begin(), blockRows.end());
-      EXPECT_EQ(rows, blockRows);
-    }
-    const int32_t gaps[] = {1, 3, 5};
-    int32_t passed[3];
-    int32_t count = -1;
-    EXPECT_TRUE(filter.CheckRows(&table, gaps, 3, passed, &count));
-    std::vector<int64_t> odd;
-    for (int64_t row : rows) {
-      if (row % 2) odd.push_back(row);
-    }
-    EXPECT_EQ(std::vector<int64_t>(passed, passed + count).size(), odd.size());
-    for (int32_t k = 0; k < count && k < static_cast<int32_t>(odd.size()); ++k) {
-      EXPECT_EQ(gaps[passed[k]], odd[static_cast<size_t>(k)]);
-    }
+    EXPECT_EQ(Block(filter, {1, 2, 3, 4, 5}), rows);
+    EXPECT_EQ(Block(filter, {5, 2, 4, 1, 3}), rows);
+    EXPECT_EQ(Block(filter, {1, 3, 5}), odd);
     return rows;
   }
 
@@ -114,86 +107,75 @@ class TableFilterTest : public ::testing::Test {
 };
 
 using Rows = std::vector<int64_t>;
+using enum VTTableFilterCompare;
 
 TEST_F(TableFilterTest, TextComparisonsFoldCaseUnlessTold) {
-  EXPECT_EQ(Passing("text", VTTableFilterCompare::Equal, VCVariant("abc")), (Rows{1, 2, 3}));
-  EXPECT_EQ(Passing("text", VTTableFilterCompare::Equal, VCVariant("abc"), 1), (Rows{1}));
-  EXPECT_EQ(Passing("Text", VTTableFilterCompare::NotEqual, VCVariant("ABC")), (Rows{4, 5}));
-  EXPECT_EQ(Passing("Text", VTTableFilterCompare::LessThan, VCVariant("abd"), 1), (Rows{1, 2, 3}));
-  EXPECT_EQ(Passing("Text", VTTableFilterCompare::GreaterOrEqual, VCVariant("abd")), (Rows{4, 5}));
-  EXPECT_EQ(Passing("Text", VTTableFilterCompare::LessOrEqual, VCVariant("ABC"), 1), (Rows{2}));
-  EXPECT_EQ(Passing("Text", VTTableFilterCompare::GreaterThan, VCVariant("w")), (Rows{5}));
+  EXPECT_EQ(Passing("text", Equal, VCVariant("abc")), (Rows{1, 2, 3}));
+  EXPECT_EQ(Passing("text", Equal, VCVariant("abc"), 1), (Rows{1}));
+  EXPECT_EQ(Passing("Text", NotEqual, VCVariant("ABC")), (Rows{4, 5}));
+  EXPECT_EQ(Passing("Text", LessThan, VCVariant("abd"), 1), (Rows{1, 2, 3}));
+  EXPECT_EQ(Passing("Text", GreaterOrEqual, VCVariant("abd")), (Rows{4, 5}));
+  EXPECT_EQ(Passing("Text", LessOrEqual, VCVariant("ABC"), 1), (Rows{2}));
+  EXPECT_EQ(Passing("Text", GreaterThan, VCVariant("w")), (Rows{5}));
 }
 
 TEST_F(TableFilterTest, TextSearches) {
-  EXPECT_EQ(Passing("Text", VTTableFilterCompare::Contains, VCVariant("B")), (Rows{1, 2, 3, 4}));
-  EXPECT_EQ(Passing("Text", VTTableFilterCompare::Contains, VCVariant("B"), 1), (Rows{2, 3}));
-  EXPECT_EQ(Passing("Text", VTTableFilterCompare::StartsWith, VCVariant("ab")), (Rows{1, 2, 3, 4}));
-  EXPECT_EQ(Passing("Text", VTTableFilterCompare::StartsWith, VCVariant("abcd")), (Rows{}));
-  EXPECT_EQ(Passing("Text", VTTableFilterCompare::EndsWith, VCVariant("Bc"), 1), (Rows{3}));
-  EXPECT_EQ(Passing("Text", VTTableFilterCompare::EndsWith, VCVariant("xx")), (Rows{}));
-  for (auto c : {VTTableFilterCompare::Contains, VTTableFilterCompare::StartsWith,
-                 VTTableFilterCompare::EndsWith}) {
+  EXPECT_EQ(Passing("Text", Contains, VCVariant("B")), (Rows{1, 2, 3, 4}));
+  EXPECT_EQ(Passing("Text", Contains, VCVariant("B"), 1), (Rows{2, 3}));
+  EXPECT_EQ(Passing("Text", StartsWith, VCVariant("ab")), (Rows{1, 2, 3, 4}));
+  EXPECT_EQ(Passing("Text", StartsWith, VCVariant("abcd")), (Rows{}));
+  EXPECT_EQ(Passing("Text", EndsWith, VCVariant("Bc"), 1), (Rows{3}));
+  EXPECT_EQ(Passing("Text", EndsWith, VCVariant("xx")), (Rows{}));
+  for (auto c : {Contains, StartsWith, EndsWith}) {
     EXPECT_EQ(Passing("Text", c, VCVariant("")), (Rows{1, 2, 3, 4, 5}));
   }
-  EXPECT_EQ(Passing("Text", VTTableFilterCompare::Contains, VCVariant("b"), 0, 0), (Rows{5}));
+  EXPECT_EQ(Passing("Text", Contains, VCVariant("b"), 0, 0), (Rows{5}));
 }
 
 TEST_F(TableFilterTest, NumbersAndNaN) {
-  EXPECT_EQ(Passing("D", VTTableFilterCompare::NotEqual, VCVariant(1.0)), (Rows{2, 3, 4, 5}));
-  EXPECT_EQ(Passing("D", VTTableFilterCompare::GreaterOrEqual, VCVariant(0.0)), (Rows{1, 3, 5}));
-  EXPECT_EQ(Passing("D", VTTableFilterCompare::LessThan, VCVariant(int32_t{3})), (Rows{1, 4, 5}));
-  EXPECT_EQ(Passing("F", VTTableFilterCompare::NotEqual, VCVariant(std::nan(""))),
-            (Rows{1, 2, 3, 4, 5}));
-  EXPECT_EQ(Passing("F", VTTableFilterCompare::Equal, VCVariant(std::nan(""))), (Rows{}));
-  EXPECT_EQ(Passing("F", VTTableFilterCompare::LessOrEqual, VCVariant("1")), (Rows{1, 4, 5}));
+  EXPECT_EQ(Passing("D", NotEqual, VCVariant(1.0)), (Rows{2, 3, 4, 5}));
+  EXPECT_EQ(Passing("D", GreaterOrEqual, VCVariant(0.0)), (Rows{1, 3, 5}));
+  EXPECT_EQ(Passing("D", LessThan, VCVariant(int32_t{3})), (Rows{1, 4, 5}));
+  EXPECT_EQ(Passing("F", NotEqual, VCVariant(std::nan(""))), (Rows{1, 2, 3, 4, 5}));
+  EXPECT_EQ(Passing("F", Equal, VCVariant(std::nan(""))), (Rows{}));
+  EXPECT_EQ(Passing("F", LessOrEqual, VCVariant("1")), (Rows{1, 4, 5}));
   // The value is converted to the column's type first: -0.5 is 0 as a short.
-  EXPECT_EQ(Passing("S", VTTableFilterCompare::GreaterThan, VCVariant(-0.5)), (Rows{4, 5}));
+  EXPECT_EQ(Passing("S", GreaterThan, VCVariant(-0.5)), (Rows{4, 5}));
 }
 
 TEST_F(TableFilterTest, ValidityAndInclusive) {
-  EXPECT_EQ(Passing("F", VTTableFilterCompare::IsValid, VCVariant()), (Rows{1, 3, 5}));
-  EXPECT_EQ(Passing("F", VTTableFilterCompare::IsInvalid, VCVariant()), (Rows{2, 4}));
-  EXPECT_EQ(Passing("F", VTTableFilterCompare::IsValid, VCVariant(), 0, 0), (Rows{2, 4}));
-  EXPECT_EQ(Passing("D", VTTableFilterCompare::IsValid, VCVariant()), (Rows{1, 2, 3, 4, 5}));
-  EXPECT_EQ(Passing("D", VTTableFilterCompare::IsInvalid, VCVariant(), 0, 0),
-            (Rows{1, 2, 3, 4, 5}));
+  EXPECT_EQ(Passing("F", IsValid, VCVariant()), (Rows{1, 3, 5}));
+  EXPECT_EQ(Passing("F", IsInvalid, VCVariant()), (Rows{2, 4}));
+  EXPECT_EQ(Passing("F", IsValid, VCVariant(), 0, 0), (Rows{2, 4}));
+  EXPECT_EQ(Passing("D", IsValid, VCVariant()), (Rows{1, 2, 3, 4, 5}));
+  EXPECT_EQ(Passing("D", IsInvalid, VCVariant(), 0, 0), (Rows{1, 2, 3, 4, 5}));
 }
 
 TEST_F(TableFilterTest, BasicFilterErrors) {
   VCUTableFilterBasic filter;
   filter.SetColumnKeyword("D");
-  ASSERT_TRUE(filter.SetCompare(VTTableFilterCompare::Contains));
-  EXPECT_FALSE(filter.SetCompare(static_cast<VTTableFilterCompare>(11)));
-  EXPECT_FALSE(filter.SetCompare(static_cast<VTTableFilterCompare>(-1)));
-  EXPECT_FALSE(filter.Validate(&table));  // still Contains
-  EXPECT_EQ(Errors(),
-            (std::vector<Error>{{kTableErrorComparison, "Invalid comparison set for filter",
-                                 "VCUTableFilterBasic::SetCompare"},
-                                {kTableErrorComparison, "Invalid comparison set for filter",
-                                 "VCUTableFilterBasic::SetCompare"},
-                                {kTableErrorStringFilter, "Filter is only valid for string columns",
-                                 "VCUTableFilterBasic::Validate"}}));
-  VFErrorClear();
+  ASSERT_TRUE(filter.SetCompare(Contains));
+  const Error badCompare{kTableErrorComparison, "Invalid comparison set for filter",
+                         "VCUTableFilterBasic::SetCompare"};
+  EXPECT_FAILS(filter.SetCompare(static_cast<VTTableFilterCompare>(11)), badCompare);
+  EXPECT_FAILS(filter.SetCompare(static_cast<VTTableFilterCompare>(-1)), badCompare);
+  EXPECT_FAILS(filter.Validate(&table),  // still Contains
+               {kTableErrorStringFilter, "Filter is only valid for string columns",
+                "VCUTableFilterBasic::Validate"});
   filter.SetColumnKeyword("Nope");
-  EXPECT_FALSE(filter.Validate(&table));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorColumnNotFound, "Column not found: Nope",
-                                           "VCUTable::GetColIndexFromKeyword"}}));
-  VFErrorClear();
+  EXPECT_FAILS(filter.Validate(&table), {kTableErrorColumnNotFound, "Column not found: Nope",
+                                         "VCUTable::GetColIndexFromKeyword"});
   table_test::HostTable host(static_cast<VTTableDataType>(9));
   filter.SetColumnKeyword("value");
-  filter.SetCompare(VTTableFilterCompare::Equal);
-  EXPECT_FALSE(filter.Validate(&host));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorFilterColumnType,
-                                           "Unknown column data type used for filter",
-                                           "VCUTableFilterBasic::Validate"}}));
-  VFErrorClear();
+  filter.SetCompare(Equal);
+  EXPECT_FAILS(filter.Validate(&host),
+               {kTableErrorFilterColumnType, "Unknown column data type used for filter",
+                "VCUTableFilterBasic::Validate"});
   filter.SetColumnKeyword("D");
   ASSERT_TRUE(filter.Validate(&table));
   char pass = 1;
-  EXPECT_FALSE(filter.CheckRow(&table, 6, &pass));
+  EXPECT_FAILS(filter.CheckRow(&table, 6, &pass), table_test::MemoryError("Invalid row number"));
   EXPECT_EQ(pass, 0);
-  EXPECT_EQ(Errors(), (std::vector<Error>{table_test::MemoryError("Invalid row number")}));
 }
 
 TEST_F(TableFilterTest, CompoundFiltersNeedTwoSubFilters) {
@@ -201,46 +183,40 @@ TEST_F(TableFilterTest, CompoundFiltersNeedTwoSubFilters) {
   VCUTableFilterOR either;
   EXPECT_FALSE(both.Validate(&table));
   either.SetFilters(new RecordingFilter({}), nullptr);
-  EXPECT_FALSE(either.Validate(&table));
-  EXPECT_EQ(Errors(), (std::vector<Error>{
-                          {kTableErrorAndOperands, "AND filter must have two sub-filters assigned",
-                           "VCUTableFilterAND::Validate"},
-                          {kTableErrorOrOperands, "OR filter must have two sub-filters assigned",
-                           "VCUTableFilterOR::Validate"}}));
+  EXPECT_FAILS(either.Validate(&table),
+               {kTableErrorAndOperands, "AND filter must have two sub-filters assigned",
+                "VCUTableFilterAND::Validate"},
+               {kTableErrorOrOperands, "OR filter must have two sub-filters assigned",
+                "VCUTableFilterOR::Validate"});
 }
 
+// The second sub-filter is asked only about rows the first left open: by
+// AND about rows 1 and 2, by OR about rows 3 to 5 (in each pass).
 TEST_F(TableFilterTest, CompoundFiltersShortCircuit) {
-  for (bool block : {false, true}) {
-    auto* first = new RecordingFilter({1, 2});
-    auto* second = new RecordingFilter({2, 3});
-    VCUTableFilterAND both;
-    both.SetFilters(first, second);
-    auto* orFirst = new RecordingFilter({1, 2});
-    auto* orSecond = new RecordingFilter({2, 3});
-    VCUTableFilterOR either;
-    either.SetFilters(orFirst, orSecond);
-    if (block) {
-      EXPECT_EQ(Passing(both), (Rows{2}));
-      EXPECT_EQ(Passing(either), (Rows{1, 2, 3}));
-    } else {
-      std::vector<int64_t> passBoth, passEither;
-      for (int64_t row = 1; row <= 5; ++row) {
-        char pass = 0;
-        ASSERT_TRUE(both.CheckRow(&table, row, &pass));
-        if (pass) passBoth.push_back(row);
-        ASSERT_TRUE(either.CheckRow(&table, row, &pass));
-        if (pass) passEither.push_back(row);
-      }
-      EXPECT_EQ(passBoth, (Rows{2}));
-      EXPECT_EQ(passEither, (Rows{1, 2, 3}));
-    }
-    // The second sub-filter is asked only about rows the first left open:
-    // by AND about rows 1 and 2, by OR about rows 3 to 5 (in each pass).
-    for (int64_t row : second->asked) EXPECT_TRUE(row == 1 || row == 2) << row;
-    for (int64_t row : orSecond->asked) EXPECT_TRUE(row >= 3) << row;
-    EXPECT_EQ(second->asked.size(), block ? 7u : 2u);
-    EXPECT_EQ(orSecond->asked.size(), block ? 11u : 3u);
+  auto* second = new RecordingFilter({2, 3});
+  auto* orSecond = new RecordingFilter({2, 3});
+  VCUTableFilterAND both;
+  VCUTableFilterOR either;
+  both.SetFilters(new RecordingFilter({1, 2}), second);
+  either.SetFilters(new RecordingFilter({1, 2}), orSecond);
+  Rows passBoth, passEither;
+  for (int64_t row = 1; row <= 5; ++row) {
+    char pass[2] = {};
+    ASSERT_TRUE(both.CheckRow(&table, row, &pass[0]) && either.CheckRow(&table, row, &pass[1]));
+    if (pass[0]) passBoth.push_back(row);
+    if (pass[1]) passEither.push_back(row);
   }
+  EXPECT_EQ(passBoth, (Rows{2}));
+  EXPECT_EQ(passEither, (Rows{1, 2, 3}));
+  EXPECT_EQ(second->asked, (Rows{1, 2}));
+  EXPECT_EQ(orSecond->asked, (Rows{3, 4, 5}));
+  // Passing asks once more row by row, then in blocks of 5, 5 and 3 rows.
+  EXPECT_EQ(Passing(both), (Rows{2}));
+  EXPECT_EQ(Passing(either), (Rows{1, 2, 3}));
+  for (int64_t row : second->asked) EXPECT_TRUE(row == 1 || row == 2) << row;
+  for (int64_t row : orSecond->asked) EXPECT_TRUE(row >= 3) << row;
+  EXPECT_EQ(second->asked.size(), 2u + 7u);
+  EXPECT_EQ(orSecond->asked.size(), 3u + 11u);
 }
 
 TEST_F(TableFilterTest, BlockChecksReportTheFirstFailingRow) {
@@ -249,56 +225,33 @@ TEST_F(TableFilterTest, BlockChecksReportTheFirstFailingRow) {
   const int32_t rows[] = {1, 2, 3, 4, 5};
   int32_t passed[5];
   int32_t count = 0;
-  EXPECT_FALSE(both.CheckRows(&table, rows, 5, passed, &count));
   // Row by row, the second sub-filter fails at row 2 before the first
   // reaches row 4.
-  EXPECT_EQ(Errors(), (std::vector<Error>{{22, "recorded failure", "RecordingFilter"}}));
+  EXPECT_FAILS(both.CheckRows(&table, rows, 5, passed, &count),
+               {22, "recorded failure", "RecordingFilter"});
 }
 
-TEST_F(TableFilterTest, ProcessFiltersTheMergedRows) {
-  VCUTableMemory second("T2");
-  const char* text[] = {"abx", "zzz"};
-  second.AddCol("TEXT", 2, text);
-  second.SetNumRows(2);
-  VCUTableProcessor processor;
-  processor.AddInputTable(&table);
-  processor.AddInputTable(&second);
-  processor.AddOutputColumn("Text");
-  VCUTableFilterBasic filter;
-  filter.SetColumnKeyword("text");
-  filter.SetCompare(VTTableFilterCompare::StartsWith);
-  filter.SetCompareValue(VCVariant("AB"));
-  processor.SetFilter(&filter);
-  ASSERT_TRUE(processor.Process());
-  VCUTable* out = processor.GetOutputTable();
-  int64_t rows = 0;
-  ASSERT_TRUE(out->GetNumRows(&rows));
-  VCStringArray texts;
-  ASSERT_TRUE(out->GetValues_T(0, 1, rows, &texts));
-  ASSERT_EQ(texts.GetSize(), 5);
-  EXPECT_EQ(texts[0], "abc");
-  EXPECT_EQ(texts[3], "abd");
-  EXPECT_EQ(texts[4], "abx");
-  processor.ClearOperations();
-  ASSERT_TRUE(processor.Process());
-  ASSERT_TRUE(out->GetNumRows(&rows));
-  EXPECT_EQ(rows, 7);
-}
-
-TEST_F(TableFilterTest, ProcessReportsTheFailingRowOfAFilter) {
-  table.SetNumRows(7);  // two more rows than the columns hold
+// Merged rows through filter texts: tests/data/table/filters.case.
+TEST_F(TableFilterTest, ProcessWithAndWithoutTheFilter) {
   VCUTableProcessor processor;
   processor.AddInputTable(&table);
   processor.AddOutputColumn("D");
   VCUTableFilterBasic filter;
   filter.SetColumnKeyword("D");
-  filter.SetCompare(VTTableFilterCompare::GreaterThan);
+  filter.SetCompare(GreaterThan);
+  filter.SetCompareValue(VCVariant(0.0));
   processor.SetFilter(&filter);
-  EXPECT_FALSE(processor.Process());
-  EXPECT_EQ(Errors(), (std::vector<Error>{table_test::MemoryError("Invalid row number"),
-                                          {kTableErrorProcessFailed,
-                                           "Failed to process filtering and sorting on table",
-                                           "VCUTableProcessor::Process", 1}}));
+  int64_t rows[2] = {};
+  ASSERT_TRUE(processor.Process() && processor.GetOutputTable()->GetNumRows(&rows[0]));
+  processor.ClearOperations();
+  ASSERT_TRUE(processor.Process() && processor.GetOutputTable()->GetNumRows(&rows[1]));
+  EXPECT_EQ(table_test::Cells(rows, 2), (std::vector<int64_t>{2, 5}));
+  // The filter's failing row fails Process.
+  table.SetNumRows(7);  // two more rows than the columns hold
+  processor.SetFilter(&filter);
+  EXPECT_FAILS(processor.Process(), table_test::MemoryError("Invalid row number"),
+               {kTableErrorProcessFailed, "Failed to process filtering and sorting on table",
+                "VCUTableProcessor::Process", 1});
 }
 
 }  // namespace

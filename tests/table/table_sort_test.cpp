@@ -90,42 +90,6 @@ TEST_F(TableSortTest, EmptyRowsSortToNothing) {
   EXPECT_TRUE(Errors().empty());
 }
 
-TEST_F(TableSortTest, ValidateErrors) {
-  VCUTableMemory table("T");
-  const int32_t k[] = {1};
-  table.AddCol("K", 1, k);
-  table.AddCol("Other", 1, k);
-  table.SetNumRows(1);
-  const Error summary{kTableErrorSort, "Invalid sort operation configured",
-                      "VCUTableSort::Validate", 1};
-
-  VCUTableSort none;
-  EXPECT_FALSE(none.Validate(&table));
-  EXPECT_EQ(Errors(),
-            (std::vector<Error>{{kTableErrorNoSortColumns, "No columns defined for sort operation",
-                                 "VCUTableSort::Validate"},
-                                summary}));
-  VFErrorClear();
-
-  VCUTableSort category;
-  category.AddColumn("K", 1, 1);
-  category.SetCategory("Other", 1);
-  EXPECT_FALSE(category.Validate(&table));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorCategoryColumn,
-                                           "The category column must be one of the sort columns.",
-                                           "VCUTableSort::Validate"},
-                                          summary}));
-  VFErrorClear();
-
-  VCUTableSort unknown;
-  unknown.AddColumn("Missing", 1, 1);
-  EXPECT_FALSE(unknown.Validate(&table));
-  ASSERT_EQ(Errors().size(), 2u);
-  EXPECT_EQ(Errors()[0].code, kTableErrorColumnNotFound);
-  EXPECT_EQ(Errors()[0].message, "Column not found: Missing");
-  EXPECT_EQ(Errors()[1], summary);
-}
-
 TEST_F(TableSortTest, FailedReadFailsTheSort) {
   table_test::HostTable table(VTTableDataType::Text);
   VCUTableSort sort;
@@ -134,10 +98,8 @@ TEST_F(TableSortTest, FailedReadFailsTheSort) {
   VCDataArray<int32_t> rows;
   rows.Add(1);
   rows.Add(2);
-  EXPECT_FALSE(sort.DoSort(&table, rows));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{7, "refused", "HostTable"},
-                                          {kTableErrorSortFailed, "Sort operation failed",
-                                           "VCUTableSort::DoSort", 1}}));
+  EXPECT_FAILS(sort.DoSort(&table, rows), {7, "refused", "HostTable"},
+               {kTableErrorSortFailed, "Sort operation failed", "VCUTableSort::DoSort", 1});
 }
 
 }  // namespace

@@ -47,69 +47,60 @@ class TableTest : public ::testing::Test {
   VCUTableMemory table{"Tests"};
 };
 
+// Each type is read with its own width; an Enum cell reads as its code.
 TEST_F(TableTest, GetValueReadsEachTypeWithItsOwnWidth) {
-  VCVariant v;
-  ASSERT_TRUE(table.GetValue(0, 1, &v, VTTableDataType::None));
-  EXPECT_EQ(v.GetType(), VTVariantType::Short);
-  EXPECT_EQ(v.GetShort(), -3);
-  ASSERT_TRUE(table.GetValue(1, 1, &v, VTTableDataType::None));
-  EXPECT_EQ(v.GetType(), VTVariantType::Long);
-  EXPECT_EQ(v.GetLong(), 70000);
-  ASSERT_TRUE(table.GetValue(2, 1, &v, VTTableDataType::None));
-  EXPECT_EQ(v.GetType(), VTVariantType::Huge);
-  EXPECT_EQ(v.GetHuge(), int64_t{1} << 40);
-  ASSERT_TRUE(table.GetValue(3, 2, &v, VTTableDataType::None));
-  EXPECT_EQ(v.GetType(), VTVariantType::Float);
-  EXPECT_EQ(v.GetFloat(), 0.25f);
-  ASSERT_TRUE(table.GetValue(4, 2, &v, VTTableDataType::Double));
-  EXPECT_EQ(v.GetType(), VTVariantType::Double);
-  EXPECT_EQ(v.GetDouble(), -0.125);
-  ASSERT_TRUE(table.GetValue(5, 2, &v, VTTableDataType::None));
-  EXPECT_EQ(v.GetString(), "x y");
-  // An Enum cell reads as its code, never its name.
-  ASSERT_TRUE(table.GetValue(6, 1, &v, VTTableDataType::None));
-  EXPECT_EQ(v.GetType(), VTVariantType::Long);
-  EXPECT_EQ(v.GetLong(), 3);
+  const struct {
+    int32_t col;
+    int64_t row;
+    VTTableDataType request;
+    VCVariant expected;
+  } kCells[] = {{0, 1, VTTableDataType::None, VCVariant(int16_t{-3})},
+                {1, 1, VTTableDataType::None, VCVariant(int32_t{70000})},
+                {2, 1, VTTableDataType::None, VCVariant(int64_t{1} << 40)},
+                {3, 2, VTTableDataType::None, VCVariant(0.25f)},
+                {4, 2, VTTableDataType::Double, VCVariant(-0.125)},
+                {5, 2, VTTableDataType::None, VCVariant("x y")},
+                {6, 1, VTTableDataType::None, VCVariant(int32_t{3})}};
+  for (const auto& [col, row, request, expected] : kCells) {
+    VCVariant v;
+    ASSERT_TRUE(table.GetValue(col, row, &v, request)) << col;
+    EXPECT_EQ(v.GetType(), expected.GetType()) << col;
+    EXPECT_TRUE(v == expected) << col;
+  }
   EXPECT_TRUE(Errors().empty());
 }
 
 TEST_F(TableTest, GetValueFailures) {
   VCVariant v(1.0);
-  EXPECT_FALSE(table.GetValue(0, 1, &v, static_cast<VTTableDataType>(8)));
-  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorColumnType, "Invalid column type specified",
-                                           "VCUTable::GetValue"}}));
-  VFErrorClear();
+  EXPECT_FAILS(table.GetValue(0, 1, &v, static_cast<VTTableDataType>(8)),
+               {kTableErrorColumnType, "Invalid column type specified", "VCUTable::GetValue"});
   HostTable host(static_cast<VTTableDataType>(9));
   EXPECT_FALSE(host.GetValue(0, 1, &v, VTTableDataType::None));
-  EXPECT_EQ(Errors()[0].code, kTableErrorColumnType);
-  VFErrorClear();
+  EXPECT_EQ(table_test::TakeErrors()[0].code, kTableErrorColumnType);
   // A failed read leaves the variant untouched and adds nothing.
-  EXPECT_FALSE(table.GetValue(0, 3, &v, VTTableDataType::None));
+  EXPECT_FAILS(table.GetValue(0, 3, &v, VTTableDataType::None),
+               table_test::MemoryError("Invalid row number"));
   EXPECT_EQ(v.GetDouble(), 1.0);
-  EXPECT_EQ(Errors(), (std::vector<Error>{table_test::MemoryError("Invalid row number")}));
 }
 
 TEST_F(TableTest, GetValidFollowsStatusBit15) {
-  char valid = 9;
-  ASSERT_TRUE(table.GetValid(4, 1, &valid));
-  EXPECT_EQ(valid, 1);
-  ASSERT_TRUE(table.GetValid(4, 2, &valid));  // 0x7FFF
-  EXPECT_EQ(valid, 0);
-  ASSERT_TRUE(table.GetValid(0, 2, &valid));  // no status: always valid
-  EXPECT_EQ(valid, 1);
-  EXPECT_FALSE(table.GetValid(4, 3, &valid));
-  EXPECT_FALSE(table.GetValid(99, 1, &valid));
+  char valid[3] = {9, 9, 9};
+  // Bit 15 set, 0x7FFF, and a column without status (always valid).
+  ASSERT_TRUE(table.GetValid(4, 1, &valid[0]) && table.GetValid(4, 2, &valid[1]) &&
+              table.GetValid(0, 2, &valid[2]));
+  EXPECT_EQ(table_test::Cells(valid, 3), (std::vector<char>{1, 0, 1}));
+  EXPECT_FALSE(table.GetValid(4, 3, &valid[0]));
+  EXPECT_FALSE(table.GetValid(99, 1, &valid[0]));
 }
 
 TEST_F(TableTest, KeywordLookupIgnoresCaseAndReportsTheKeyword) {
   int32_t index = 0;
   ASSERT_TRUE(table.GetColIndexFromKeyword("elementID", &index));
   EXPECT_EQ(index, 4);
-  EXPECT_FALSE(table.GetColIndexFromKeyword("Force", &index));
+  EXPECT_FAILS(
+      table.GetColIndexFromKeyword("Force", &index),
+      {kTableErrorColumnNotFound, "Column not found: Force", "VCUTable::GetColIndexFromKeyword"});
   EXPECT_EQ(index, -1);
-  EXPECT_EQ(Errors(), (std::vector<Error>{{kTableErrorColumnNotFound, "Column not found: Force",
-                                           "VCUTable::GetColIndexFromKeyword"}}));
-  VFErrorClear();
   VCUTableMemory empty("Empty");
   EXPECT_FALSE(empty.GetColIndexFromKeyword("ElementId", &index));
   EXPECT_EQ(Errors()[0].code, kTableErrorColumnNotFound);

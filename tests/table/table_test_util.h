@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include <utilkit/base/error_stack.h>
 #include <utilkit/table/table.h>
 
@@ -36,6 +38,42 @@ inline std::vector<Error> Errors() {
         {VFErrorGetCode(r), VFErrorGetMessage(r), VFErrorGetLocation(r), VFErrorGetFlag(r)});
   }
   return out;
+}
+
+// The records of the error stack, which is then cleared.
+inline std::vector<Error> TakeErrors() {
+  std::vector<Error> out = Errors();
+  VFErrorClear();
+  return out;
+}
+
+// The call fails and leaves exactly the records given (then cleared).
+#define EXPECT_FAILS(call, ...)                                                         \
+  do {                                                                                  \
+    EXPECT_FALSE(call);                                                                 \
+    EXPECT_EQ(table_test::TakeErrors(), (std::vector<table_test::Error>{__VA_ARGS__})); \
+  } while (0)
+
+// `count` cells from `first` as a vector, for comparing in one go.
+template <typename T>
+std::vector<T> Cells(const T* first, size_t count) {
+  return std::vector<T>(first, first + count);
+}
+
+// Every row of a column of `table`.
+inline std::vector<double> Doubles(VCUTable* table, int32_t col) {
+  int64_t rows = 0;
+  EXPECT_TRUE(table->GetNumRows(&rows));
+  std::vector<double> values(static_cast<size_t>(rows));
+  EXPECT_TRUE(table->GetValues_D(col, 1, rows, values.data()));
+  return values;
+}
+inline std::vector<std::string> Texts(VCUTable* table, int32_t col) {
+  int64_t rows = 0;
+  EXPECT_TRUE(table->GetNumRows(&rows));
+  VCStringArray texts;
+  EXPECT_TRUE(table->GetValues_T(col, 1, rows, &texts));
+  return {texts.begin(), texts.end()};
 }
 
 // The error of the memory table (code 1, literal message).
