@@ -28,13 +28,6 @@ def split(conn):
     conn.sendall(b"%d\0" % len(answer))
 
 
-def late(conn):
-    # An answer nobody asked for arrives before the request.
-    conn.sendall(b"stale answer\0")
-    request = recv_until(conn, b"\0")
-    conn.sendall(b"re: " + request)
-
-
 def oversized(conn):
     # Streams without a terminator until the library closes the connection.
     block = b"x" * 65536
@@ -43,11 +36,6 @@ def oversized(conn):
             conn.sendall(block)
     except OSError:
         pass
-
-
-def midclose(conn):
-    conn.sendall(b"<Reply>half a mess")
-    time.sleep(0.05)
 
 
 def xmlsplit(conn):
@@ -59,7 +47,7 @@ def xmlsplit(conn):
     recv_until(conn, b"</Request>")
 
 
-SCENARIOS = {f.__name__: f for f in (split, late, oversized, midclose, xmlsplit)}
+SCENARIOS = {f.__name__: f for f in (split, oversized, xmlsplit)}
 
 
 def main():
