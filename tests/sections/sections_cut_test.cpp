@@ -12,11 +12,8 @@
 
 namespace {
 
-class SectionsCut : public testing::Test {
+class SectionsCut : public SectionsTest {
  protected:
-  void SetUp() override { VFErrorClear(); }
-  void TearDown() override { VFErrorClear(); }
-
   // Random sections on channels 0 to 2, overlapping, nested and touching.
   void RandomSections(double span) {
     std::uniform_real_distribution<double> at(-1.0, span + 1.0), length(0.0, span / 20);
@@ -121,19 +118,17 @@ TEST_F(SectionsCut, Errors) {
   table.SetNumRows(2);
   VCArray<int64_t> rows;
   ASSERT_TRUE(sections.AddTime(0, 1, 0));
-  EXPECT_FALSE(sections.GetTableRows(&table, 0, -1, &rows));
-  ExpectOneError(kSectionsErrorUnits,
-                 "Sections are held in other units: time, without a time column", kWhere);
-  EXPECT_FALSE(sections.GetTableRows(&table, 0, 0, &rows));
-  ExpectOneError(kSectionsErrorTimeColumn, "Invalid time column: Name", kWhere);
-  EXPECT_FALSE(sections.GetTableRows(&table, 0, 1, &rows));
-  ExpectOneError(kSectionsErrorTimeColumn, "Invalid time column: 1", kWhere);
+  EXPECT_FAILS_WITH(sections.GetTableRows(&table, 0, -1, &rows), kSectionsErrorUnits,
+                    "Sections are held in other units: time, without a time column", kWhere);
+  EXPECT_FAILS_WITH(sections.GetTableRows(&table, 0, 0, &rows), kSectionsErrorTimeColumn,
+                    "Invalid time column: Name", kWhere);
+  EXPECT_FAILS_WITH(sections.GetTableRows(&table, 0, 1, &rows), kSectionsErrorTimeColumn,
+                    "Invalid time column: 1", kWhere);
   const double times[] = {0, 1};
   table.AddCol("Time", 2, times);
-  EXPECT_FALSE(sections.GetTableRows(&table, 0, 1, &rows));
-  ExpectOneError(kSectionsErrorStartAfterEnd,
-                 "Section starts after its end: ch0, index 0: 1.000000000000,0.000000000000",
-                 kWhere);
+  EXPECT_FAILS_WITH(sections.GetTableRows(&table, 0, 1, &rows), kSectionsErrorStartAfterEnd,
+                    "Section starts after its end: ch0, index 0: 1.000000000000,0.000000000000",
+                    kWhere);
   EXPECT_TRUE(sections.GetTableRows(&table, 1, 1, &rows));  // the bad section is another channel's
   EXPECT_EQ(rows.GetSize(), 0);
 }

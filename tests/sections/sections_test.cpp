@@ -13,11 +13,8 @@
 
 namespace {
 
-class Sections : public testing::Test {
+class Sections : public SectionsTest {
  protected:
-  void SetUp() override { VFErrorClear(); }
-  void TearDown() override { VFErrorClear(); }
-
   // A time list from (channel, start, end) triples.
   static void Fill(VCUSections* sections, std::initializer_list<std::array<double, 3>> items) {
     for (const auto& [channel, start, end] : items) {
@@ -45,19 +42,17 @@ TEST_F(Sections, ListOperationsAndTheirErrors) {
   EXPECT_EQ(copy.GetUnits(), VTSectionUnits::Time);
   EXPECT_EQ(TextOf(copy), "ch2:1.000000000000,2.000000000000\nch1:3.000000000000,4.000000000000\n");
 
-  EXPECT_FALSE(copy.Remove(2));
-  ExpectOneError(kSectionsErrorIndex, "Section index out of range: 2", "VCUSections::Remove");
-  EXPECT_FALSE(copy.GetTime(-1, nullptr, nullptr, nullptr));
-  ExpectOneError(kSectionsErrorIndex, "Section index out of range: -1", "VCUSections::GetTime");
-  EXPECT_FALSE(copy.GetPoints(0, nullptr, nullptr, nullptr));
-  ExpectOneError(kSectionsErrorUnits, "Sections are held in other units: time",
-                 "VCUSections::GetPoints");
-  EXPECT_FALSE(copy.AddPoints(1, 0, 1));
-  ExpectOneError(kSectionsErrorUnits, "Sections are held in other units: time",
-                 "VCUSections::AddPoints");
-  EXPECT_FALSE(copy.AddTime(4, NAN, 1));
-  ExpectOneError(kSectionsErrorValue, "Invalid section value: ch4, index 2: nan,1.000000000000",
-                 "VCUSections::AddTime");
+  EXPECT_FAILS_WITH(copy.Remove(2), kSectionsErrorIndex, "Section index out of range: 2",
+                    "VCUSections::Remove");
+  EXPECT_FAILS_WITH(copy.GetTime(-1, nullptr, nullptr, nullptr), kSectionsErrorIndex,
+                    "Section index out of range: -1", "VCUSections::GetTime");
+  EXPECT_FAILS_WITH(copy.GetPoints(0, nullptr, nullptr, nullptr), kSectionsErrorUnits,
+                    "Sections are held in other units: time", "VCUSections::GetPoints");
+  EXPECT_FAILS_WITH(copy.AddPoints(1, 0, 1), kSectionsErrorUnits,
+                    "Sections are held in other units: time", "VCUSections::AddPoints");
+  EXPECT_FAILS_WITH(copy.AddTime(4, NAN, 1), kSectionsErrorValue,
+                    "Invalid section value: ch4, index 2: nan,1.000000000000",
+                    "VCUSections::AddTime");
   EXPECT_EQ(copy.GetCount(), 2);
 }
 
@@ -67,15 +62,13 @@ TEST_F(Sections, ValidationAtTheSignalEdges) {
   // 3 samples at 3 per second: the last one is at 2/3 s exactly as computed.
   Fill(&sections, {{0, 0, 2.0 / 3.0}, {1, 0.5, 0.5}});
   EXPECT_TRUE(sections.Validate(3.0, 3, 2));
-  EXPECT_FALSE(sections.Validate(3.0, 3, 1));
-  ExpectOneError(kSectionsErrorChannel,
-                 "Section names an unknown channel: ch1, index 1: 0.500000000000,0.500000000000",
-                 kWhere);
+  EXPECT_FAILS_WITH(sections.Validate(3.0, 3, 1), kSectionsErrorChannel,
+                    "Section names an unknown channel: ch1, index 1: 0.500000000000,0.500000000000",
+                    kWhere);
   Fill(&sections, {{0, -1e-300, 0}});
-  EXPECT_FALSE(sections.Validate(3.0, 3));
-  ExpectOneError(kSectionsErrorOutside,
-                 "Section lies outside the signal: ch0, index 2: -0.000000000000,0.000000000000",
-                 kWhere);
+  EXPECT_FAILS_WITH(sections.Validate(3.0, 3), kSectionsErrorOutside,
+                    "Section lies outside the signal: ch0, index 2: -0.000000000000,0.000000000000",
+                    kWhere);
   ASSERT_TRUE(sections.Remove(2));
   Fill(&sections, {{0, 0, std::nextafter(2.0 / 3.0, 1.0)}});
   EXPECT_FALSE(sections.Validate(3.0, 3));
@@ -87,10 +80,10 @@ TEST_F(Sections, ValidationAtTheSignalEdges) {
     EXPECT_EQ(VFErrorGetCode(VFGetUtLibError()), kSectionsErrorRate);
     VFErrorClear();
   }
-  EXPECT_FALSE(sections.Validate(0, 3));
-  ExpectOneError(kSectionsErrorRate, "Invalid sample rate: 0.000000000000", kWhere);
-  EXPECT_FALSE(sections.Validate(1.0, 0));
-  ExpectOneError(kSectionsErrorPointCount, "Invalid number of points: 0", kWhere);
+  EXPECT_FAILS_WITH(sections.Validate(0, 3), kSectionsErrorRate,
+                    "Invalid sample rate: 0.000000000000", kWhere);
+  EXPECT_FAILS_WITH(sections.Validate(1.0, 0), kSectionsErrorPointCount,
+                    "Invalid number of points: 0", kWhere);
 
   VCUSections points(VTSectionUnits::Points);
   ASSERT_TRUE(points.AddPoints(0, 0, 4999));
@@ -98,10 +91,9 @@ TEST_F(Sections, ValidationAtTheSignalEdges) {
   EXPECT_TRUE(points.Validate(1000.0, 5000));
   ASSERT_TRUE(points.AddPoints(9, 5000, -1));  // every violation at once
   ASSERT_TRUE(points.AddPoints(0, 0, 5000));
-  EXPECT_FALSE(points.Validate(1000.0, 5000, 2));
-  ExpectOneError(kSectionsErrorStartAfterEnd,
-                 "Section starts after its end: ch9, index 2: 5000.000000000000,-1.000000000000",
-                 kWhere);
+  EXPECT_FAILS_WITH(points.Validate(1000.0, 5000, 2), kSectionsErrorStartAfterEnd,
+                    "Section starts after its end: ch9, index 2: 5000.000000000000,-1.000000000000",
+                    kWhere);
   EXPECT_FALSE(points.Validate(1000.0, 5000, 2, true));
   ASSERT_EQ(VFErrorGetCount(), 4u);
   const int32_t codes[] = {kSectionsErrorStartAfterEnd, kSectionsErrorOutside,
@@ -125,9 +117,9 @@ TEST_F(Sections, ConversionRounding) {
   EXPECT_EQ(point, 0);
   ASSERT_TRUE(VCUSections::TimeToPoint(-0x1p62, 2.0, &point));  // the first 64-bit point
   EXPECT_EQ(point, INT64_MIN);
-  EXPECT_FALSE(VCUSections::TimeToPoint(1e20, 1e10, &point));
-  ExpectOneError(kSectionsErrorValue, "Invalid section value: 100000000000000000000.000000000000",
-                 "VCUSections::TimeToPoint");
+  EXPECT_FAILS_WITH(VCUSections::TimeToPoint(1e20, 1e10, &point), kSectionsErrorValue,
+                    "Invalid section value: 100000000000000000000.000000000000",
+                    "VCUSections::TimeToPoint");
 
   // Sections shrink to the samples inside them; 0.07 * 100 and 0.29 * 100
   // are not whole as doubles but count as samples 7 and 29.
@@ -144,9 +136,8 @@ TEST_F(Sections, ConversionRounding) {
   EXPECT_EQ(TextOf(copy), "ch2:7.000000000000,29.000000000000\n");
   ASSERT_TRUE(copy.ConvertToTime(4.0));
   EXPECT_EQ(TextOf(copy), "ch2:1.750000000000,7.250000000000\n");
-  EXPECT_FALSE(copy.ConvertToTime(4.0));
-  ExpectOneError(kSectionsErrorUnits, "Sections are held in other units: time",
-                 "VCUSections::ConvertToTime");
+  EXPECT_FAILS_WITH(copy.ConvertToTime(4.0), kSectionsErrorUnits,
+                    "Sections are held in other units: time", "VCUSections::ConvertToTime");
 
   // Converted to points and back, random sections stay inside the originals.
   std::mt19937 random(7);
@@ -188,10 +179,9 @@ TEST_F(Sections, NormalisingMergesTouchingAndNestedSections) {
   ASSERT_TRUE(points.Normalise());  // 0-2 and 3-5 are adjacent samples; 6 is missing
   EXPECT_EQ(TextOf(points), "ch0:0.000000000000,5.000000000000;7.000000000000,9.000000000000\n");
   ASSERT_TRUE(points.AddPoints(0, 9, 8));
-  EXPECT_FALSE(points.Normalise());
-  ExpectOneError(kSectionsErrorStartAfterEnd,
-                 "Section starts after its end: ch0, index 2: 9.000000000000,8.000000000000",
-                 "VCUSections::Normalise");
+  EXPECT_FAILS_WITH(points.Normalise(), kSectionsErrorStartAfterEnd,
+                    "Section starts after its end: ch0, index 2: 9.000000000000,8.000000000000",
+                    "VCUSections::Normalise");
   EXPECT_EQ(points.GetCount(), 3);
 }
 
@@ -211,9 +201,8 @@ TEST_F(Sections, UnionAndIntersection) {
   ASSERT_TRUE(a.Intersect(a));
   EXPECT_EQ(a.GetCount(), 3);
   VCUSections points(VTSectionUnits::Points);
-  EXPECT_FALSE(a.Unite(points));
-  ExpectOneError(kSectionsErrorUnits, "Sections are held in other units: points",
-                 "VCUSections::Unite");
+  EXPECT_FAILS_WITH(a.Unite(points), kSectionsErrorUnits,
+                    "Sections are held in other units: points", "VCUSections::Unite");
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// Helpers of the sections tests: the only error record and a list's text.
+// Helpers of the sections tests: the only error record, a list's text and
+// the fixture.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -18,6 +19,20 @@ inline void ExpectOneError(int32_t code, const std::string& message, const std::
   EXPECT_EQ(std::string(VFErrorGetLocation(e)), location);
   VFErrorClear();
 }
+
+// The call fails with exactly that one record (then cleared).
+#define EXPECT_FAILS_WITH(call, code, message, location) \
+  do {                                                   \
+    EXPECT_FALSE(call);                                  \
+    ExpectOneError(code, message, location);             \
+  } while (0)
+
+// Clears the error stack before and after each test.
+class SectionsTest : public testing::Test {
+ protected:
+  void SetUp() override { VFErrorClear(); }
+  void TearDown() override { VFErrorClear(); }
+};
 
 inline std::string TextOf(const VCUSections& sections) {
   VCString text;

@@ -7,11 +7,7 @@
 
 namespace {
 
-class SectionsText : public testing::Test {
- protected:
-  void SetUp() override { VFErrorClear(); }
-  void TearDown() override { VFErrorClear(); }
-};
+using SectionsText = SectionsTest;
 
 TEST_F(SectionsText, WriteReadWriteGivesTheSameText) {
   VCUSections sections;
@@ -96,8 +92,8 @@ TEST_F(SectionsText, MalformedTextsNameTheirPlace) {
     ExpectOneError(kSectionsErrorSyntax, kText + c.place, kWhere);
   }
   VCUSections sections;
-  EXPECT_FALSE(sections.SetFromText(nullptr));
-  ExpectOneError(kSectionsErrorSyntax, kText + "null text", kWhere);
+  EXPECT_FAILS_WITH(sections.SetFromText(nullptr), kSectionsErrorSyntax, kText + "null text",
+                    kWhere);
 }
 
 }  // namespace
