@@ -13,25 +13,25 @@ namespace {
 
 using lxml_test::ExpectError;
 
-struct Refusal {
-  const char* text;
-  int32_t code;
-  const char* name;
-};
-
 // The 29 bytes of a 5 x 7 PNG's signature and IHDR chunk (without its CRC).
 constexpr const char* kPng = "iVBORw0KGgoAAAANSUhEUgAAAAUAAAAHCAIAAAA=";
 
-std::string Image(const char* attributes, const char* data = kPng) {
+std::string Image(const std::string& attributes, const char* data = kPng) {
   return std::string("<LibraryXML version=\"1\"><Page><Image ") + attributes + ">" + data +
          "</Image></Page></LibraryXML>";
 }
 
 TEST(LibraryXmlReaderTest, RefusesEachMalformedFileWithItsCode) {
-  const std::string tableHead = "<LibraryXML version=\"1\"><Page><Table columns=\"2\" rows=\"1\">";
+  const std::string table = "<LibraryXML version=\"1\"><Page><Table columns=\"2\" rows=\"1\">";
   const std::string columns =
       "<Column name=\"a\" type=\"Long\"/><Column name=\"b\" type=\"Text\"/>";
-  const Refusal refusals[] = {
+  const std::string end = "</Table></Page></LibraryXML>";
+  const std::string png57 = "format=\"PNG\" width=\"5\" height=\"7\"";
+  const struct {
+    std::string text;
+    int32_t code;
+    const char* name;
+  } refusals[] = {
       {"<Library version=\"1\"/>", kLibraryXMLErrorRoot, "Library"},
       {"<LibraryXML/>", kLibraryXMLErrorVersion, ""},
       {"<LibraryXML version=\"2\"/>", kLibraryXMLErrorVersion, "2"},
@@ -47,54 +47,39 @@ TEST(LibraryXmlReaderTest, RefusesEachMalformedFileWithItsCode) {
        "DOCTYPE"},
       {"<LibraryXML version=\"1\"><Page></LibraryXML>", kLibraryXMLErrorXml, ""},
       {"", kLibraryXMLErrorXml, ""},
-  };
-  std::string texts[] = {
-      Image("format=\"PNG\" width=\"5\" height=\"7\" size=\"29\""),
-      Image("format=\"GIF\" width=\"5\" height=\"7\" size=\"29\""),
-      Image("format=\"PNG\" width=\"5\" height=\"7\""),
-      Image("format=\"PNG\" width=\"5\" height=\"-7\" size=\"29\""),
-      Image("format=\"PNG\" width=\"5\" height=\"7\" size=\"30\""),
-      Image("format=\"PNG\" width=\"5\" height=\"7\" size=\"28\""),
-      Image("format=\"PNG\" width=\"5\" height=\"7\" size=\"29\"",
-            "iVBORw0KGgoAAAANSUhEUgAAAAUAAAAHCAIAAAA=AAAA"),
-      Image("format=\"PNG\" width=\"5\" height=\"7\" size=\"29\"",
-            "iVBORw0KGgoAAAANSUhEUgAAAAUAAAAHCAIAAAA"),
-      Image("format=\"PNG\" width=\"5\" height=\"7\" size=\"29\"",
-            "iVBORw0KGgoAAAANSUhEUgAAAAUAAAAHCAIAA\xc3\xa9="),
-      Image("format=\"JPEG\" width=\"5\" height=\"7\" size=\"29\""),
-      Image("format=\"PNG\" width=\"6\" height=\"7\" size=\"29\""),
-      tableHead + columns + "<Row><Cell value=\"1\"/></Row></Table></Page></LibraryXML>",
-      tableHead + columns + "</Table></Page></LibraryXML>",
-      tableHead + "<Column name=\"a\" type=\"Long\"/><Row/></Table></Page></LibraryXML>",
-      tableHead + "<Column name=\"a\" type=\"Blob\"/></Table></Page></LibraryXML>",
-      tableHead + "<Column type=\"Long\"/></Table></Page></LibraryXML>",
-      "<LibraryXML version=\"1\"><Page><Table columns=\"1001\" rows=\"1000\"/></Page></LibraryXML>",
-  };
-  const Refusal more[] = {
-      {texts[1].c_str(), kLibraryXMLErrorItem, "format"},
-      {texts[2].c_str(), kLibraryXMLErrorItem, "size"},
-      {texts[3].c_str(), kLibraryXMLErrorItem, "height"},
-      {texts[4].c_str(), kLibraryXMLErrorItem, "size"},
-      {texts[5].c_str(), kLibraryXMLErrorItem, "size"},
-      {texts[6].c_str(), kLibraryXMLErrorBase64, "Image"},
-      {texts[7].c_str(), kLibraryXMLErrorBase64, "Image"},
-      {texts[8].c_str(), kLibraryXMLErrorBase64, "Image"},
-      {texts[9].c_str(), kLibraryXMLErrorImage, "JPEG"},
-      {texts[10].c_str(), kLibraryXMLErrorImage, "PNG"},
-      {texts[11].c_str(), kLibraryXMLErrorItem, "Row"},
-      {texts[12].c_str(), kLibraryXMLErrorItem, "rows"},
-      {texts[13].c_str(), kLibraryXMLErrorItem, "columns"},
-      {texts[14].c_str(), kLibraryXMLErrorItem, "type"},
-      {texts[15].c_str(), kLibraryXMLErrorItem, "name"},
-      {texts[16].c_str(), kLibraryXMLErrorTableSize, "1001000"},
+      {Image("format=\"GIF\" width=\"5\" height=\"7\" size=\"29\""), kLibraryXMLErrorItem,
+       "format"},
+      {Image(png57), kLibraryXMLErrorItem, "size"},
+      {Image("format=\"PNG\" width=\"5\" height=\"-7\" size=\"29\""), kLibraryXMLErrorItem,
+       "height"},
+      {Image(png57 + " size=\"30\""), kLibraryXMLErrorItem, "size"},
+      {Image(png57 + " size=\"28\""), kLibraryXMLErrorItem, "size"},
+      {Image(png57 + " size=\"29\"", "iVBORw0KGgoAAAANSUhEUgAAAAUAAAAHCAIAAAA=AAAA"),
+       kLibraryXMLErrorBase64, "Image"},
+      {Image(png57 + " size=\"29\"", "iVBORw0KGgoAAAANSUhEUgAAAAUAAAAHCAIAAAA"),
+       kLibraryXMLErrorBase64, "Image"},
+      {Image(png57 + " size=\"29\"", "iVBORw0KGgoAAAANSUhEUgAAAAUAAAAHCAIAA\xc3\xa9="),
+       kLibraryXMLErrorBase64, "Image"},
+      {Image("format=\"JPEG\" width=\"5\" height=\"7\" size=\"29\""), kLibraryXMLErrorImage,
+       "JPEG"},
+      {Image("format=\"PNG\" width=\"6\" height=\"7\" size=\"29\""), kLibraryXMLErrorImage, "PNG"},
+      {table + columns + "<Row><Cell value=\"1\"/></Row>" + end, kLibraryXMLErrorItem, "Row"},
+      {table + columns + end, kLibraryXMLErrorItem, "rows"},
+      {table + "<Column name=\"a\" type=\"Long\"/><Row/>" + end, kLibraryXMLErrorItem, "columns"},
+      {table + "<Column name=\"a\" type=\"Blob\"/>" + end, kLibraryXMLErrorItem, "type"},
+      {table + "<Column type=\"Long\"/>" + end, kLibraryXMLErrorItem, "name"},
+      {"<LibraryXML version=\"1\"><Page><Table columns=\"1001\" "
+       "rows=\"1000\"/></Page></LibraryXML>",
+       kLibraryXMLErrorTableSize, "1001000"},
   };
   VCULibraryXML library;
   VFErrorClear();
-  ASSERT_TRUE(library.LoadFromBuffer(texts[0].c_str(), -1)) << VFErrorGetFullString().c_str();
-  auto check = [&](const Refusal& r) {
+  ASSERT_TRUE(library.LoadFromBuffer(Image(png57 + " size=\"29\"").c_str(), -1))
+      << VFErrorGetFullString().c_str();
+  for (const auto& r : refusals) {
     SCOPED_TRACE(r.text);
     VFErrorClear();
-    EXPECT_FALSE(library.LoadFromBuffer(r.text, -1));
+    EXPECT_FALSE(library.LoadFromBuffer(r.text.c_str(), -1));
     if (r.code == kLibraryXMLErrorXml) {  // the parser's own message follows the text
       ASSERT_EQ(VFErrorGetCount(), 1u);
       EXPECT_EQ(VFErrorGetCode(VFErrorGetLast()), r.code);
@@ -105,9 +90,7 @@ TEST(LibraryXmlReaderTest, RefusesEachMalformedFileWithItsCode) {
       ExpectError(r.code, r.name, "VCULibraryXML::LoadFromBuffer");
     }
     EXPECT_EQ(library.GetNumPages(), 1);  // the library is kept
-  };
-  for (const Refusal& r : refusals) check(r);
-  for (const Refusal& r : more) check(r);
+  }
   VFErrorClear();
 }
 
