@@ -57,8 +57,6 @@ TEST(ServiceBase, BaseHooksAndDefaults) {
   EXPECT_EQ(VCUServiceBase::m_pThis, &service);
   EXPECT_EQ(std::string(service.Name()), std::string(63, 'n'));
   EXPECT_EQ(service.GetLogLevel(), 4);
-  service.SetLogLevel(2);
-  EXPECT_EQ(service.GetLogLevel(), 2);
   EXPECT_EQ(service.OnInit(), 1);
   service.Run();
   service.OnStop();

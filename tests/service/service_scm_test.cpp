@@ -15,15 +15,6 @@
 
 namespace {
 
-std::string Parse(VCUServiceBase& service, std::vector<std::string> args) {
-  args.insert(args.begin(), "prog");
-  std::vector<char*> argv;
-  for (std::string& a : args) argv.push_back(a.data());
-  testing::internal::CaptureStdout();
-  EXPECT_EQ(service.ParseStandardArgs(static_cast<int>(argv.size()), argv.data()), 1);
-  return testing::internal::GetCapturedStdout();
-}
-
 // The display name, dependencies ("|" after each) and description the
 // manager holds for `name`.
 std::string Configuration(const char* name) {

@@ -42,15 +42,6 @@ class ServiceSystemd : public testing::Test {
     VFErrorClear();
   }
 
-  // Runs ParseStandardArgs on "prog" and `args`; what it printed.
-  static std::string Parse(VCUServiceBase& service, std::vector<std::string> args) {
-    args.insert(args.begin(), "prog");
-    std::vector<char*> argv;
-    for (std::string& a : args) argv.push_back(a.data());
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(service.ParseStandardArgs(static_cast<int>(argv.size()), argv.data()), 1);
-    return testing::internal::GetCapturedStdout();
-  }
   std::string Unit(const std::string& name) {
     std::ifstream in(m_dir + "/" + name + ".service");
     std::stringstream text;

@@ -1,7 +1,9 @@
 // Services for the tests: LogService records its log lines; TestService
 // also records its hook calls and lets a test choose what OnInit returns
-// and what Run does.
+// and what Run does. Parse runs the standard arguments.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <mutex>
@@ -54,3 +56,14 @@ class TestService : public LogService {
   void OnStop() override { Note("OnStop"); }
   void OnShutdown() override { Note("OnShutdown"); }
 };
+
+// Runs ParseStandardArgs on "prog" and `args`, which must be recognised;
+// what it printed.
+inline std::string Parse(VCUServiceBase& service, std::vector<std::string> args) {
+  args.insert(args.begin(), "prog");
+  std::vector<char*> argv;
+  for (std::string& a : args) argv.push_back(a.data());
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(service.ParseStandardArgs(static_cast<int>(argv.size()), argv.data()), 1);
+  return testing::internal::GetCapturedStdout();
+}
