@@ -85,12 +85,17 @@ void BlockRunner::Prepare(const Program& program) {
   };
   for (const Instr& in : program.code) {
     const auto op = static_cast<size_t>(in.op);
+    // A zero check of a constant other than 0 can never fail.
+    const int32_t checked = in.check == Check::kDivisorZero ? in.b : in.a;
+    const bool safe = in.check != Check::kHostCall && isConstant(checked) &&
+                      m_registers[static_cast<size_t>(checked)] != 0.0;
+    const Check check = safe ? Check::kNone : in.check;
     if (isConstant(in.a) == isConstant(in.b)) {
-      m_steps.push_back({kChunkKernels[op], 0.0});
+      m_steps.push_back({kChunkKernels[op], 0.0, check});
     } else if (isConstant(in.b)) {
-      m_steps.push_back({kConstantBKernels[op - kFirstBinary], m_registers[in.b]});
+      m_steps.push_back({kConstantBKernels[op - kFirstBinary], m_registers[in.b], check});
     } else {
-      m_steps.push_back({kConstantAKernels[op - kFirstBinary], m_registers[in.a]});
+      m_steps.push_back({kConstantAKernels[op - kFirstBinary], m_registers[in.a], check});
     }
   }
 }
@@ -130,9 +135,9 @@ Fault BlockRunner::Run(const Program& program, const double* const* varColumns, 
       const double* a = m_src[in.a];
       const double* b = m_src[in.b];
       // Checked before the kernel runs: the kernel may overwrite its operand.
-      if (in.check == Check::kDivisorZero) {
+      if (m_steps[k].check == Check::kDivisorZero) {
         firstBad = std::min(firstBad, FirstZero(b, n));
-      } else if (in.check == Check::kArgumentZero) {
+      } else if (m_steps[k].check == Check::kArgumentZero) {
         firstBad = std::min(firstBad, FirstZero(a, n));
       }
       m_steps[k].kernel(m_dst[in.dst - firstTemp], a, b, m_steps[k].constant, n);

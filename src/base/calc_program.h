@@ -239,10 +239,12 @@ class BlockRunner {
   std::vector<const double*> m_src;  // per register: its chunk in the current block
   std::vector<double*> m_dst;        // per temporary: its chunk in the current block
   std::vector<double> m_registers;   // one row's registers (user functions, fault diagnosis)
-  // Per instruction: the kernel that runs it and its constant operand, if any.
+  // Per instruction: the kernel that runs it, its constant operand, if any,
+  // and its check (none where the checked operand is a constant other than 0).
   struct Step {
     KernelFn kernel;
     double constant;
+    Check check;
   };
   std::vector<Step> m_steps;
 };

@@ -151,6 +151,40 @@ void VCUTableMemory::AddCol(const char* keyword, int32_t n, const double* values
   AddColumn(m_impl->cols, keyword, VTTableDataType::Double,
             [&](VCUTableMemory_Col& c) { return FillBuffer<double>(c.data, n, values); });
 }
+// A numeric column of type `type` taking over `values`.
+template <class T>
+static void AdoptColumn(std::vector<std::unique_ptr<VCUTableMemory_Col>>& cols, const char* keyword,
+                        VTTableDataType type, std::vector<T>& values) {
+  AddColumn(cols, keyword, type, [&](VCUTableMemory_Col& c) {
+    if (values.size() > static_cast<size_t>(INT32_MAX)) return false;
+    c.data.AdoptBuffer(std::move(values));
+    return true;
+  });
+}
+
+void VCUTableMemory::AddCol(const char* keyword, std::vector<int16_t>&& values) {
+  AdoptColumn(m_impl->cols, keyword, VTTableDataType::Short, values);
+}
+void VCUTableMemory::AddCol(const char* keyword, std::vector<int32_t>&& values) {
+  AdoptColumn(m_impl->cols, keyword, VTTableDataType::Long, values);
+}
+void VCUTableMemory::AddCol(const char* keyword, std::vector<int64_t>&& values) {
+  AdoptColumn(m_impl->cols, keyword, VTTableDataType::Huge, values);
+}
+void VCUTableMemory::AddCol(const char* keyword, std::vector<float>&& values) {
+  AdoptColumn(m_impl->cols, keyword, VTTableDataType::Float, values);
+}
+void VCUTableMemory::AddCol(const char* keyword, std::vector<double>&& values) {
+  AdoptColumn(m_impl->cols, keyword, VTTableDataType::Double, values);
+}
+void VCUTableMemory::AddCol(const char* keyword, std::vector<VCUDictionaryRef*>&& refs,
+                            VCUDictionary& dictionary) {
+  AddColumn(m_impl->cols, keyword, VTTableDataType::Text, [&](VCUTableMemory_Col& c) {
+    c.dictionary = &dictionary;
+    return c.refs.Adopt(std::move(refs));
+  });
+}
+
 void VCUTableMemory::AddCol(const char* keyword, int32_t n, const VCString* values) {
   AddColumn(m_impl->cols, keyword, VTTableDataType::Text,
             [&](VCUTableMemory_Col& c) { return FillBuffer<VCString>(c.data, n, values); });

@@ -53,6 +53,7 @@ bool ReadComputed(VCUTableProcessorState& s, const char* location, VCUTableNewCo
   const bool rowIndex = column.GetType() == VTTableDataType::Huge;
   if constexpr (std::is_same_v<Cells, CellsD>) {
     if (rowIndex) return Refuse(location);
+    if (s.outputInOrder) return column.CalculateRangeValues_D(&s.data, first, count, cells.out);
     return column.CalculateValues_D(&s.data, s.outputRows.GetData() + (first - 1), count,
                                     cells.out);
   } else if constexpr (std::is_same_v<Cells, CellsH>) {
@@ -78,15 +79,16 @@ bool Read(VCUTableProcessorState& s, const char* location, int32_t col, int64_t 
   const OutputColumn* c = OutputAt(s, col, location);
   if (c == nullptr || !CheckOutputRows(s, location, first, count)) return false;
   if (c->computed) return ReadComputed(s, location, *c->computed, first, count, cells);
+  auto read = [&](int64_t row, int64_t n, int64_t at) {
+    return ReadMergedCells(s, location, c->merged, row, n, cells, at);
+  };
+  if (s.outputInOrder) return ForEachChunk(first, count, kChunk, read);
   // Rows that are not one run (sorted, filtered) are gathered when they can be.
   const int32_t* rows = s.outputRows.GetData() + (first - 1);
   if (!RowsAreConsecutive(rows, 0, count) && GatherMergedCells(s, c->merged, rows, count, cells)) {
     return true;
   }
-  return ForEachRowRun(s.outputRows.GetData() + (first - 1), 0, count, kChunk,
-                       [&](int64_t row, int64_t n, int64_t at) {
-                         return ReadMergedCells(s, location, c->merged, row, n, cells, at);
-                       });
+  return ForEachRowRun(rows, 0, count, kChunk, read);
 }
 
 // Texts or Enum names into an array resized to `count` once the checks pass.

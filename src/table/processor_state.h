@@ -74,6 +74,7 @@ struct VCUTableProcessorState {
   utilkit::table::RowMap rowMap;
   bool rowMapGiven = false;
   VCDataArray<int32_t> outputRows;  // merged row numbers, in output order
+  bool outputInOrder = false;       // outputRows are 1..N: no filter, compression or sort
   std::vector<utilkit::table::OutputColumn> outputCols;
   std::vector<utilkit::table::MergedColumn> merged;
   int64_t rowLimit = 0;

@@ -6,6 +6,7 @@
 // read with one block read of the table instead of one read per row.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 namespace utilkit::table {
@@ -20,6 +21,16 @@ inline bool RowsAreConsecutive(const int32_t* rows, int64_t begin, int64_t end) 
     gaps |= static_cast<uint32_t>(rows[i]) ^ (static_cast<uint32_t>(rows[i - 1]) + 1);
   }
   return gaps == 0;
+}
+
+// Calls visit(firstRow, n, at) for rows first..first+count-1 cut into
+// chunks of at most `maxChunk` rows, `at` being the chunk's offset.
+template <class Visit>
+bool ForEachChunk(int64_t first, int64_t count, int64_t maxChunk, Visit&& visit) {
+  for (int64_t at = 0; at < count; at += maxChunk) {
+    if (!visit(first + at, std::min(maxChunk, count - at), at)) return false;
+  }
+  return true;
 }
 
 // Calls visit(firstRow, count, at) for each run of consecutive row numbers

@@ -19,6 +19,14 @@ constexpr const char* kRowValueD = "VCUTableNewColumn::CalculateRowValue_D";
 // Rows evaluated at a time by CalculateValues_D.
 constexpr int64_t kBlock = 65536;
 
+// Calls visit(firstRow, n, at) for each run of consecutive rows in
+// rows[0, count), or once for first..first+count-1 when rows is null.
+template <class Visit>
+bool ForEachRun(const int32_t* rows, int64_t first, int64_t count, Visit&& visit) {
+  if (rows == nullptr) return visit(first, count, int64_t{0});
+  return ForEachRowRun(rows, 0, count, count, visit);
+}
+
 }  // namespace
 
 struct VCUTableNewColumn::Impl {
@@ -212,20 +220,32 @@ bool VCUTableNewColumn::CalculateStatuses(VCUTable* table, const int32_t* rows, 
 
 bool VCUTableNewColumn::CalculateValues_D(VCUTable* table, const int32_t* rows, int64_t count,
                                           double* out) {
+  return CalculateBlocks(table, rows, 0, count, out);
+}
+
+bool VCUTableNewColumn::CalculateRangeValues_D(VCUTable* table, int64_t first, int64_t count,
+                                               double* out) {
+  return CalculateBlocks(table, nullptr, first, count, out);
+}
+
+bool VCUTableNewColumn::CalculateBlocks(VCUTable* table, const int32_t* rows, int64_t first,
+                                        int64_t count, double* out) {
   if (m_impl->generateRowIndex) return VFReportError(kTableErrorExpressionType, kRowValueD);
   for (int64_t begin = 0; begin < count; begin += kBlock) {
     const int64_t n = std::min(kBlock, count - begin);
-    const bool ok = m_impl->divideByCol ? DivideBlock(table, rows + begin, n, out + begin)
-                                        : ExpressionBlock(table, rows + begin, n, out + begin);
+    const int32_t* blockRows = rows ? rows + begin : nullptr;
+    const bool ok = m_impl->divideByCol
+                        ? DivideBlock(table, blockRows, first + begin, n, out + begin)
+                        : ExpressionBlock(table, blockRows, first + begin, n, out + begin);
     if (!ok) return false;
   }
   return true;
 }
 
-bool VCUTableNewColumn::DivideBlock(VCUTable* table, const int32_t* rows, int64_t count,
-                                    double* out) {
+bool VCUTableNewColumn::DivideBlock(VCUTable* table, const int32_t* rows, int64_t firstRow,
+                                    int64_t count, double* out) {
   Impl& s = *m_impl;
-  if (!ForEachRowRun(rows, 0, count, count, [&](int64_t first, int64_t n, int64_t at) {
+  if (!ForEachRun(rows, firstRow, count, [&](int64_t first, int64_t n, int64_t at) {
         return table->GetValues_D(s.divisorCol, first, n, out + at);
       })) {
     return false;
@@ -244,8 +264,8 @@ bool VCUTableNewColumn::DivideBlock(VCUTable* table, const int32_t* rows, int64_
 
 // Loads the columns of every variable slot for the block, evaluates the
 // block at once and, where a row fails, applies the traps row by row.
-bool VCUTableNewColumn::ExpressionBlock(VCUTable* table, const int32_t* rows, int64_t count,
-                                        double* out) {
+bool VCUTableNewColumn::ExpressionBlock(VCUTable* table, const int32_t* rows, int64_t firstRow,
+                                        int64_t count, double* out) {
   Impl& s = *m_impl;
   VCUNewColCalculator& calc = s.calculator;
   const int32_t slots = calc.GetVariableCount();
@@ -267,7 +287,7 @@ bool VCUTableNewColumn::ExpressionBlock(VCUTable* table, const int32_t* rows, in
   }
   // Each run of consecutive rows is read once per variable column; a block
   // that is one run of a table's own array is used where it lies.
-  const bool read = ForEachRowRun(rows, 0, count, count, [&](int64_t first, int64_t n, int64_t at) {
+  const bool read = ForEachRun(rows, firstRow, count, [&](int64_t first, int64_t n, int64_t at) {
     for (size_t k = 0; k < slotCols.size(); ++k) {
       double* values = s.slotValues[k].data() + at;
       if (!slotStatus[k]) {

@@ -86,6 +86,7 @@ bool VCUTableProcessor::ClearInputTables() {
   s.rowMap.Clear();
   s.rowMapGiven = false;
   s.outputRows.RemoveAll();
+  s.outputInOrder = false;
   s.DropMergedColumns();
   return true;
 }
@@ -269,10 +270,12 @@ bool VCUTableProcessor::RunFilter() {
   static constexpr const char* kLocation = "VCUTableProcessor::Process";
   VCUTableProcessorState& s = *m_state;
   const auto count = static_cast<int32_t>(s.rowMap.Size());
+  s.outputInOrder = false;
   if (s.filter == nullptr) {
     if (!s.outputRows.SetSize(count)) return VFReportError(kTableErrorOutOfMemory, kLocation);
     int32_t* out = s.outputRows.GetData();
     for (int32_t i = 0; i < count; ++i) out[i] = i + 1;
+    s.outputInOrder = true;
     return true;
   }
   s.outputRows.SetSize(0);
@@ -290,6 +293,7 @@ bool VCUTableProcessor::RunFilter() {
 
 bool VCUTableProcessor::RunCompressionsAndSort() {
   VCUTableProcessorState& s = *m_state;
+  if (!s.compressions.empty() || s.sort != nullptr) s.outputInOrder = false;
   for (VCUTableCompress* compress : s.compressions) {
     if (!compress->DoCompress(&s.data, s.outputRows)) return false;
   }

@@ -258,20 +258,15 @@ void CsvColumn::MoveInto(VCUTableMemory* table, VCUDictionary* dictionary) {
   }
   switch (m_type) {
     case VTTableDataType::Short:
-      table->AddCol(name, static_cast<int32_t>(m_shorts.size()), m_shorts.data());
-      return Release(m_shorts);
+      return table->AddCol(name, std::move(m_shorts));
     case VTTableDataType::Long:
-      table->AddCol(name, static_cast<int32_t>(m_longs.size()), m_longs.data());
-      return Release(m_longs);
+      return table->AddCol(name, std::move(m_longs));
     case VTTableDataType::Huge:
-      table->AddCol(name, static_cast<int32_t>(m_huges.size()), m_huges.data());
-      return Release(m_huges);
+      return table->AddCol(name, std::move(m_huges));
     case VTTableDataType::Float:
-      table->AddCol(name, static_cast<int32_t>(m_floats.size()), m_floats.data());
-      return Release(m_floats);
+      return table->AddCol(name, std::move(m_floats));
     case VTTableDataType::Double:
-      table->AddCol(name, static_cast<int32_t>(m_doubles.size()), m_doubles.data());
-      return Release(m_doubles);
+      return table->AddCol(name, std::move(m_doubles));
     case VTTableDataType::Enum: {
       std::vector<const char*> names;
       for (const std::string& n : m_header.names) names.push_back(n.c_str());
@@ -280,8 +275,7 @@ void CsvColumn::MoveInto(VCUTableMemory* table, VCUDictionary* dictionary) {
       return Release(m_longs);
     }
     default:
-      table->AddCol(name, static_cast<int32_t>(m_refs.size()), m_refs.data(), *dictionary);
-      return Release(m_refs);
+      return table->AddCol(name, std::move(m_refs), *dictionary);
   }
 }
 

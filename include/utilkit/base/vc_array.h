@@ -121,6 +121,15 @@ class VCArray {
     m_items.erase(m_items.begin() + first, m_items.begin() + last);
   }
 
+  // Replaces the elements with `items`, taken over without a copy (`items`
+  // is left empty). False (both unchanged) when `items` exceeds the size limit.
+  bool Adopt(std::vector<T>&& items) {
+    if (items.size() > static_cast<size_t>(kMaxSize)) return false;
+    m_items = std::move(items);
+    std::vector<T>().swap(items);
+    return true;
+  }
+
   // Removes every element and frees the storage.
   void RemoveAll() { std::vector<T>().swap(m_items); }
 

@@ -39,6 +39,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -122,6 +123,14 @@ class UTILKIT_API VCVariant {
   // A date-time, or a text that VCTime::DecodeString(text, 3) accepts;
   // anything else gives VCTime() with ok false.
   VCTime GetTime(bool* ok = nullptr) const;
+
+  // Makes the variant a buffer that takes over `values` (no copy; `values`
+  // is left empty). T is one of the buffer element types below.
+  template <class T>
+  void AdoptBuffer(std::vector<T>&& values) {
+    m_value = std::move(values);
+    std::vector<T>().swap(values);
+  }
 
   // Typed buffers. SetBuffer_X(count) makes the variant a buffer of `count`
   // values and returns a pointer to them (never null on success, even for 0).

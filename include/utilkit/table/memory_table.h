@@ -41,6 +41,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include <utilkit/base/dictionary.h>
 #include <utilkit/base/export.h>
@@ -71,6 +72,15 @@ class UTILKIT_API VCUTableMemory : public VCUTable {
   // Text column whose cells are references into `dictionary` (copied; a
   // null reference reads as ""). The dictionary is not owned.
   void AddCol(const char* keyword, int32_t n, VCUDictionaryRef* const* refs,
+              VCUDictionary& dictionary);
+  // The same columns taking over their values without a copy (`values` is
+  // left empty); more than INT32_MAX values is kTableErrorOutOfMemory.
+  void AddCol(const char* keyword, std::vector<int16_t>&& values);
+  void AddCol(const char* keyword, std::vector<int32_t>&& values);
+  void AddCol(const char* keyword, std::vector<int64_t>&& values);
+  void AddCol(const char* keyword, std::vector<float>&& values);
+  void AddCol(const char* keyword, std::vector<double>&& values);
+  void AddCol(const char* keyword, std::vector<VCUDictionaryRef*>&& refs,
               VCUDictionary& dictionary);
   // Enum columns: `nOptions` (code, name) options, then `n` cell codes.
   void AddCol(const char* keyword, int32_t nOptions, const int32_t* codes, const char* const* names,

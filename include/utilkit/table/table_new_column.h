@@ -98,6 +98,8 @@ class UTILKIT_API VCUTableNewColumn : public VCUTableOperation {
   // Results and error codes are those of row-by-row calculation (the
   // calculator's own records name "VCCalculator::EvaluateBlock").
   bool CalculateValues_D(VCUTable* table, const int32_t* rows, int64_t count, double* out);
+  // The same for the consecutive rows first..first+count-1 of `table`.
+  bool CalculateRangeValues_D(VCUTable* table, int64_t first, int64_t count, double* out);
   // CalculateRowStatus for rows[0, count) into out[0, count), reading each
   // run of consecutive rows in one block; errors are the table's.
   bool CalculateStatuses(VCUTable* table, const int32_t* rows, int64_t count, uint16_t* out);
@@ -105,8 +107,12 @@ class UTILKIT_API VCUTableNewColumn : public VCUTableOperation {
  private:
   struct Impl;
   bool Trap(double* value) const;
-  bool DivideBlock(VCUTable* table, const int32_t* rows, int64_t count, double* out);
-  bool ExpressionBlock(VCUTable* table, const int32_t* rows, int64_t count, double* out);
+  // Values of rows[0, count), or of first..first+count-1 when rows is null.
+  bool CalculateBlocks(VCUTable* table, const int32_t* rows, int64_t first, int64_t count,
+                       double* out);
+  bool DivideBlock(VCUTable* table, const int32_t* rows, int64_t first, int64_t count, double* out);
+  bool ExpressionBlock(VCUTable* table, const int32_t* rows, int64_t first, int64_t count,
+                       double* out);
 
   std::unique_ptr<Impl> m_impl;
 };
