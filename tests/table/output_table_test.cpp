@@ -27,18 +27,9 @@ class OutputTableTest : public ::testing::Test {
  protected:
   void SetUp() override {
     VFErrorClear();
-    const char* names[] = {"a1", "a2", "a3"};
-    const double force[] = {1, 2, 3};
-    const uint16_t status[] = {0x8000, 0, 0x8000};
+    const char* names[] = {"a1", "a2", "a3", "b1", "b2"};  // kept as strings
     a.AddCol("Name", 3, names);
-    a.AddCol("Force", 3, force);
-    a.SetColStatus("Force", 3, status);
-    a.SetNumRows(3);
-    const char* bnames[] = {"b1", "b2"};
-    const double bforce[] = {4, 5};
-    b.AddCol("Name", 2, bnames);
-    b.AddCol("Force", 2, bforce);
-    b.SetNumRows(2);
+    b.AddCol("Name", 2, names + 3);
     processor.AddInputTable(&a);
     processor.AddInputTable(&b);
   }
@@ -51,8 +42,8 @@ class OutputTableTest : public ::testing::Test {
     return table_test::Doubles(processor.GetOutputTable(), col);
   }
 
-  VCUTableMemory a{"A"};
-  VCUTableMemory b{"B"};
+  table_test::CsvTable a{"A", "Force:double,Force:status\n1,0x8000\n2,0\n3,0x8000\n"};
+  table_test::CsvTable b{"B", "Force:double\n4\n5\n"};
   VCUTableProcessor processor;
 };
 

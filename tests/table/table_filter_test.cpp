@@ -49,17 +49,8 @@ class TableFilterTest : public ::testing::Test {
  protected:
   void SetUp() override {
     VFErrorClear();
-    const char* text[] = {"abc", "ABC", "aBc", "abd", "x"};
-    const double d[] = {1, std::nan(""), 3, -1, 0};
-    const float f[] = {1, std::numeric_limits<float>::quiet_NaN(), 3, -1, 0};
-    const uint16_t status[] = {0x8000, 0, 0xFFFF, 0x7FFF, 0x8001};
-    const int16_t s[] = {-2, -1, 0, 1, 2};
+    const char* text[] = {"abc", "ABC", "aBc", "abd", "x"};  // kept as strings
     table.AddCol("Text", 5, text);
-    table.AddCol("D", 5, d);
-    table.AddCol("F", 5, f);
-    table.SetColStatus("F", 5, status);
-    table.AddCol("S", 5, s);
-    table.SetNumRows(5);
   }
   void TearDown() override { VFErrorClear(); }
 
@@ -103,7 +94,9 @@ class TableFilterTest : public ::testing::Test {
     return Passing(filter);
   }
 
-  VCUTableMemory table{"T"};
+  table_test::CsvTable table{"T",
+                             "D:double,F:float,F:status,S:short\n1,1,0x8000,-2\n,,0,-1\n"
+                             "3,3,0xFFFF,0\n-1,-1,0x7FFF,1\n0,0,0x8001,2\n"};
 };
 
 using Rows = std::vector<int64_t>;

@@ -18,22 +18,14 @@ namespace {
 
 class NewColumnTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    VFErrorClear();
-    const double force[] = {10, 20, 30, 40, 50};
-    const double area[] = {2, 4, 0, 8, 10};
-    const uint16_t status[] = {0x8000, 0x8001, 0x0002, 0x8000, 0x0000};
-    const int32_t count[] = {1, 2, 3, 4, 5};
-    m_table.AddCol("Force", 5, force);
-    m_table.SetColStatus("Force", 5, status);
-    m_table.AddCol("Area", 5, area);
-    m_table.AddCol("Count", 5, count);
-    m_table.SetNumRows(5);
-  }
+  void SetUp() override { VFErrorClear(); }
   void TearDown() override { VFErrorClear(); }
 
   static constexpr const char* kValidate = "VCUTableNewColumn::Validate";
-  VCUTableMemory m_table{"T"};
+  table_test::CsvTable m_table{"T",
+                               "Force:double,Force:status,Area:double,Count:long\n"
+                               "10,0x8000,2,1\n20,0x8001,4,2\n30,0x0002,0,3\n40,0x8000,8,4\n"
+                               "50,0x0000,10,5\n"};
 };
 
 TEST_F(NewColumnTest, VariablesResolveIgnoringCaseAndStatusIdsStartAt1000) {

@@ -1,3 +1,6 @@
+// Sort and compression on their own (what they keep, through the processor:
+// tests/data/table/sort.case and compress.case).
+#include <utilkit/table/table_compress.h>
 #include <utilkit/table/table_errors.h>
 #include <utilkit/table/table_sort.h>
 
@@ -8,6 +11,7 @@
 
 #include <utilkit/base/error_stack.h>
 #include <utilkit/table/memory_table.h>
+#include <utilkit/table/table_processor.h>
 
 #include "table_test_util.h"
 
@@ -76,18 +80,39 @@ TEST_F(TableSortTest, AgreesWithAPlainStableSortOnRandomTables) {
   }
 }
 
-TEST_F(TableSortTest, EmptyRowsSortToNothing) {
+TEST_F(TableSortTest, EmptyRowsSortAndCompressToNothing) {
   VCUTableMemory table("T");
-  const int32_t k[] = {1};
-  table.AddCol("K", 1, k);
-  table.SetNumRows(1);
+  const int32_t k[] = {1, 1, 2};
+  const double v[] = {5, 9, 3};
+  table.AddCol("K", 3, k);
+  table.AddCol("V", 3, v);
+  table.SetNumRows(3);
   VCUTableSort sort;
   sort.AddColumn("K", 1, 1);
   VCDataArray<int32_t> rows;
   ASSERT_TRUE(sort.Validate(&table));
   EXPECT_TRUE(sort.DoSort(&table, rows));
+  VCUTableProcessor processor;
+  processor.AddInputTable(&table);
+  processor.AddOutputColumn("K");
+  ASSERT_TRUE(processor.Process());
+  VCUTableCompress compress(0);
+  compress.AddSearchColumn("K");
+  compress.SetSelectColumn("V");
+  compress.SetSelectType(VTCompressType::Sum);
+  ASSERT_TRUE(compress.Validate(processor.GetInputData()));
+  EXPECT_TRUE(compress.DoCompress(processor.GetInputData(), rows));
   EXPECT_EQ(rows.GetSize(), 0);
   EXPECT_TRUE(Errors().empty());
+}
+
+TEST_F(TableSortTest, InvalidCompressSelectTypeIsRefused) {
+  VCUTableCompress compress(0);
+  ASSERT_TRUE(compress.SetSelectType(VTCompressType::Minimum));
+  EXPECT_FAILS(compress.SetSelectType(static_cast<VTCompressType>(3)),
+               {kTableErrorSelectionType, "Invalid selection type set for Compression operation.",
+                "VCUTableCompress::SetSelectType"});
+  EXPECT_EQ(compress.GetSelectType(), VTCompressType::Minimum);
 }
 
 TEST_F(TableSortTest, FailedReadFailsTheSort) {

@@ -20,31 +20,14 @@ namespace {
 
 class TableTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    VFErrorClear();
-    const int16_t s[] = {-3, 4};
-    const int32_t l[] = {70000, -1};
-    const int64_t h[] = {int64_t{1} << 40, 0};
-    const float f[] = {1.5f, 0.25f};
-    const double d[] = {2.5, -0.125};
-    const char* t[] = {"abc", "x y"};
-    const int32_t codes[] = {1, 3};
-    const char* names[] = {"low", "high"};
-    const int32_t e[] = {3, 9};
-    const uint16_t status[] = {0x8000, 0x7FFF};
-    table.AddCol("Short", 2, s);
-    table.AddCol("Long", 2, l);
-    table.AddCol("Huge", 2, h);
-    table.AddCol("Float", 2, f);
-    table.AddCol("ElementId", 2, d);
-    table.AddCol("Text", 2, t);
-    table.AddCol("Grade", 2, codes, names, 2, e);
-    table.SetColStatus("elementid", 2, status);
-    table.SetNumRows(2);
-  }
+  void SetUp() override { VFErrorClear(); }
   void TearDown() override { VFErrorClear(); }
 
-  VCUTableMemory table{"Tests"};
+  table_test::CsvTable table{
+      "Tests",
+      "Short:short,Long:long,Huge:huge,Float:float,ElementId:double,ElementId:status,Text:text,"
+      "Grade:enum(1=low|3=high)\n"
+      "-3,70000,1099511627776,1.5,2.5,0x8000,abc,high\n4,-1,0,0.25,-0.125,0x7FFF,x y,9\n"};
 };
 
 // Each type is read with its own width; an Enum cell reads as its code.

@@ -9,8 +9,12 @@
 
 #include <gtest/gtest.h>
 
+#include <utilkit/base/dictionary.h>
 #include <utilkit/base/error_stack.h>
+#include <utilkit/table/memory_table.h>
 #include <utilkit/table/table.h>
+
+#include "table_csv.h"
 
 namespace table_test {
 
@@ -80,6 +84,19 @@ inline std::vector<std::string> Texts(VCUTable* table, int32_t col) {
 inline Error MemoryError(const char* message, const char* location = "VCUTableMemory::GetValues") {
   return {1, message, location, 0};
 }
+
+// A memory table read from CSV text (header cells `name:type` and
+// `name:status`, see tools/text/table_csv.h); its texts live as long as it.
+struct TextPool {
+  VCUDictionary texts;
+};
+class CsvTable : private TextPool, public VCUTableMemory {
+ public:
+  CsvTable(const char* name, const char* csv) : VCUTableMemory(name) {
+    std::string error;
+    EXPECT_TRUE(utilkit::tool::CsvToMemoryTable(csv, name, this, &texts, &error)) << error;
+  }
+};
 
 // A host table of one Double column "Value" that reports a chosen type and
 // implements only the pure readers (not the VCString* text reader).
