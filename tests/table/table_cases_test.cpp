@@ -31,6 +31,9 @@
 //              or tables (A) that do not read, one a line: each setting or
 //              CSV line in backquotes followed by a blank, then the failure
 //              and, after "  # ", a note
+//   [job errors]   jobs that fail to run on the case's tables, one a line:
+//              the settings as above, then the records left on the error
+//              stack separated by " ; " (and a note)
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -110,20 +113,27 @@ std::vector<case_file::Case> LoadCases() {
   return cases;
 }
 
-// The [job failures] or [csv failures] rows: each line's backquoted items,
-// one a line, must fail to read with the rest of the line as the failure.
+// A row of [job failures], [csv failures] or [job errors]: its backquoted
+// items, one a line, and the rest of the line before "  # ".
+std::pair<std::string, std::string> SplitRow(const std::string& line) {
+  std::string items;
+  size_t at = 0;
+  while (at < line.size() && line[at] == '`') {
+    const size_t close = line.find('`', at + 1);
+    if (close == std::string::npos) break;
+    items += line.substr(at + 1, close - at - 1) + "\n";
+    at = close + 2;
+  }
+  at = std::min(at, line.size());
+  return {items, line.substr(at, line.find("  # ", at) - at)};
+}
+
+// Each row's items must fail to read, with the rest of the row as the failure.
 void CheckFailures(const std::string& rows, bool csv) {
   std::istringstream lines(rows);
   for (std::string line; std::getline(lines, line);) {
     SCOPED_TRACE(line);
-    std::string items;
-    size_t at = 0;
-    while (at < line.size() && line[at] == '`') {
-      const size_t close = line.find('`', at + 1);
-      ASSERT_NE(close, std::string::npos);
-      items += line.substr(at + 1, close - at - 1) + "\n";
-      at = close + 2;
-    }
+    const auto [items, expected] = SplitRow(line);
     std::string failure;
     if (csv) {
       VCUDictionary texts;
@@ -133,8 +143,17 @@ void CheckFailures(const std::string& rows, bool csv) {
       utilkit::tool::TableOperations operations;
       EXPECT_FALSE(utilkit::tool::BuildTableOperations(ReadJob(&items), &operations, &failure));
     }
-    EXPECT_EQ(failure, line.substr(std::min(at, line.size()), line.find("  # ", at) - at));
+    EXPECT_EQ(failure, expected);
   }
+}
+
+// Runs `job` on `inputs` (`operations` must live as long as the output
+// table is read); the failure of options that do not read, if any.
+bool RunJob(const std::vector<utilkit::tool::TableInput>& inputs,
+            const utilkit::tool::TableJob& job, utilkit::tool::TableOperations* operations,
+            VCUTableProcessor* processor, std::string* failure) {
+  return utilkit::tool::BuildTableOperations(job, operations, failure) &&
+         utilkit::tool::RunTableJob(inputs, job, *operations, processor);
 }
 
 class TableCaseTest : public testing::TestWithParam<case_file::Case> {
@@ -161,12 +180,23 @@ TEST_P(TableCaseTest, GivesTheExpectedOutputAndErrors) {
     input.table = tables.back().get();
     utilkit::tool::CsvToMemoryTable(text, name, tables.back().get(), texts.back().get(), &failure);
   }
-  const utilkit::tool::TableJob job = ReadJob(c.Find("job"));
+  // [job errors]: each row's settings must fail to run, leaving the
+  // records that follow them (separated by " ; ").
+  std::istringstream rows(BlockOf(c, "job errors"));
+  for (std::string line; failure.empty() && std::getline(rows, line);) {
+    SCOPED_TRACE(line);
+    auto [settings, records] = SplitRow(line);
+    for (size_t at; (at = records.find(" ; ")) != std::string::npos;) records.replace(at, 3, "\n");
+    utilkit::tool::TableOperations operations;
+    VCUTableProcessor processor;
+    EXPECT_FALSE(RunJob(inputs, ReadJob(&settings), &operations, &processor, &failure));
+    EXPECT_EQ(ErrorRecords(), records + "\n");
+    VFErrorClear();
+  }
   utilkit::tool::TableOperations operations;
   VCUTableProcessor processor;
-  const bool processed = failure.empty() &&
-                         utilkit::tool::BuildTableOperations(job, &operations, &failure) &&
-                         utilkit::tool::RunTableJob(inputs, job, operations, &processor);
+  const bool processed =
+      failure.empty() && RunJob(inputs, ReadJob(c.Find("job")), &operations, &processor, &failure);
   EXPECT_EQ(Block(failure), BlockOf(c, "failure"));
   for (const char* format : {"output", "typed", "dump"}) {
     const std::string* expected = c.Find(format);
