@@ -232,4 +232,26 @@ TEST_F(MemoryTableTest, AddColWithoutValues) {
   EXPECT_FAILS(table.GetValues_F(3, 1, 0, &f), MemoryError("Invalid row number"));
 }
 
+TEST_F(MemoryTableTest, AdoptedColumnsKeepTheirValuesAndTypes) {
+  std::vector<int64_t> huges = {int64_t{1} << 40, -7};
+  std::vector<double> doubles = {2.5, -0.25};
+  VCUDictionary pool;
+  std::vector<VCUDictionaryRef*> refs = {pool.InsertString("d1"), nullptr};
+  table.AddCol("H", std::move(huges));
+  table.AddCol("D", std::move(doubles));
+  table.AddCol("T", std::move(refs), pool);
+  EXPECT_TRUE(huges.empty() && doubles.empty() && refs.empty());
+  VTTableDataType type = VTTableDataType::None;
+  ASSERT_TRUE(table.GetColType(2, &type));
+  EXPECT_EQ(type, VTTableDataType::Huge);
+  int64_t h[2] = {};
+  ASSERT_TRUE(table.GetValues_H(2, 1, 2, h));
+  EXPECT_EQ(h[0], int64_t{1} << 40);
+  EXPECT_EQ(table.PeekValues_D(3, 2, 1)[0], -0.25);
+  VCString texts[2];
+  ASSERT_TRUE(table.GetValues_T(4, 1, 2, texts));
+  EXPECT_EQ(Cells(texts, 2), (std::vector<VCString>{"d1", ""}));
+  EXPECT_FAILS(table.GetValues_T(4, 2, 2, texts), MemoryError("Invalid number of rows to read"));
+}
+
 }  // namespace
