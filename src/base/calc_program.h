@@ -215,7 +215,9 @@ inline Fault RunRow(const Program& program, double* registers, VCCalculator& hos
 // Runs a program over blocks of rows. Keeps the scratch chunks between calls.
 class BlockRunner {
  public:
-  using KernelFn = void (*)(double* d, const double* a, const double* b, double c, size_t n);
+  // A kernel reads its constant operand (if any) from k[0] and the
+  // constants of the operations fused after it from k[1], k[2].
+  using KernelFn = void (*)(double* d, const double* a, const double* b, const double* k, size_t n);
 
   // Rows per chunk: small enough that the chunks an instruction touches stay
   // in the first-level cache (256 measured faster than 512 here).
@@ -239,13 +241,19 @@ class BlockRunner {
   std::vector<const double*> m_src;  // per register: its chunk in the current block
   std::vector<double*> m_dst;        // per temporary: its chunk in the current block
   std::vector<double> m_registers;   // one row's registers (user functions, fault diagnosis)
-  // Per instruction: the kernel that runs it, its constant operand, if any,
-  // and its check (none where the checked operand is a constant other than 0).
+  // Per step: the kernel that runs instruction `head` and the arithmetic
+  // with constants fused after it (the instructions up to `last`, which
+  // writes the result), their constants, and the head's check (none where
+  // the checked operand is a constant other than 0).
   struct Step {
     KernelFn kernel;
-    double constant;
+    double constants[3];
+    size_t head;
+    size_t last;
     Check check;
   };
+  // Fuses instruction code[at] with as many of the following ones as it can.
+  void AddStep(const Program& program, size_t at);
   std::vector<Step> m_steps;
 };
 
