@@ -442,6 +442,10 @@ TEST_F(CalculatorBlock, BlockEvaluationEqualsRowEvaluation) {
       "floor(#A#) + ceil(#B#) + round(#A# / 3) + pi - e + sin(#A#) * cos(#B#) - tanh(#B#)",
       "#A# / (#B# + 1e9) - pow(abs(#A#), 0.5) + #B# ^ 2",
       "10 / #B# - 2 ^ (#A# / 100) + (1000 - #A#) * (0.5 < #B#)",
+      // Chains of + - * / with constants, run fused with the operation before.
+      "#A# * 9 / 5 + 32 - (#B# - 0.1) * 3",
+      "(#A# + #B#) / 3 / 3 / 3 * 3 - 1",
+      "1000 / (#B# + 1e9) * 2 - 1 + (100 - #A# / 7 * 3)",
       "#B#",
       "42",
   };
@@ -461,6 +465,18 @@ TEST_F(CalculatorBlock, BlockEvaluationEqualsRowEvaluation) {
     }
   }
   EXPECT_EQ(VFErrorGetCount(), 0u);
+}
+
+TEST_F(CalculatorBlock, ADivisionByAZeroConstantAfterArithmeticStillFails) {
+  TableCalculator calc;
+  AddTestColumns(calc);
+  ASSERT_TRUE(calc.SetExpression("#A# * 2 / 0 + 1"));
+  const std::vector<const double*> columns = calc.SlotColumns();
+  std::vector<double> out(kRows);
+  size_t failed = kRows;
+  EXPECT_FALSE(calc.EvaluateBlock(columns.data(), 4, kRows, out.data(), &failed));
+  EXPECT_EQ(failed, 4u);
+  EXPECT_TRUE(VFErrorCheck(kCalcErrorDivideByZero));
 }
 
 TEST_F(CalculatorBlock, EvaluatesOnlyTheGivenRange) {
@@ -495,7 +511,9 @@ TEST_F(CalculatorBlock, ReportsTheFirstFailingRowSoTrapsCanResume) {
   calc.AddColumn("C", c);
   // The second text computes the divisor and the logarithm's argument into
   // the very register the operation then overwrites.
-  for (const char* text : {"#A# / #B# + log(#C#)", "#A# / (#B# * 1) + log(#C# * 1)"}) {
+  // The third runs the checked division and the arithmetic after it as one.
+  for (const char* text :
+       {"#A# / #B# + log(#C#)", "#A# / (#B# * 1) + log(#C# * 1)", "#A# / #B# * 3 - 1 + log(#C#)"}) {
     ASSERT_TRUE(calc.SetExpression(text));
     const std::vector<const double*> columns = calc.SlotColumns();
     std::vector<double> out(kRows, 0.0);
