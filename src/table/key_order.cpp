@@ -6,6 +6,8 @@
 #include <cstring>
 #include <utility>
 
+#include "table/prefetch.h"
+
 namespace utilkit::table {
 
 namespace {
@@ -61,7 +63,9 @@ bool KeyOrder::SortRun(int64_t begin, int64_t end, const uint64_t* keys, uint64_
   const int64_t length = end - begin;
   int32_t* order = m_order + begin;
   uint64_t low = ~uint64_t{0}, high = 0;
+  constexpr int64_t kAhead = 16;  // the keys of rows in no order: fetched ahead
   for (int64_t i = 0; i < length; ++i) {
+    if (i + kAhead < length) Prefetch(keys + order[i + kAhead]);
     const uint64_t key = keys[order[i]] ^ flip;
     low = std::min(low, key);
     high = std::max(high, key);
