@@ -113,6 +113,10 @@ TEST_F(VCVariantTest, NumberConversionsCutTowardsZeroClampAndReadWholeTexts) {
   ExpectGet(VCVariant(-2.9), &VCVariant::GetLong, -2, true);
   ExpectGet(VCVariant(int32_t{70000}), &VCVariant::GetShort, 32767, false);
   ExpectGet(VCVariant(-1e30), &VCVariant::GetLong, std::numeric_limits<int32_t>::min(), false);
+  ExpectGet(VCVariant(2147483648.0), &VCVariant::GetLong, std::numeric_limits<int32_t>::max(),
+            false);
+  ExpectGet(VCVariant(-2147483648.9), &VCVariant::GetLong, std::numeric_limits<int32_t>::min(),
+            true);
   ExpectGet(VCVariant(9.3e18), &VCVariant::GetHuge, Int64Limits::max(), false);
   ExpectGet(VCVariant(std::nan("")), &VCVariant::GetHuge, 0, false);
   ExpectGet(VCVariant(true), &VCVariant::GetShort, 1, true);
