@@ -6,7 +6,7 @@
 #include <cstring>
 #include <utility>
 
-#include "table/prefetch.h"
+#include "base/prefetch.h"
 
 namespace utilkit::table {
 

@@ -19,8 +19,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/prefetch.h"
 #include "table/error_mark.h"
-#include "table/prefetch.h"
 #include "table/processor_state.h"
 
 namespace utilkit::table {

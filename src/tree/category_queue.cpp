@@ -6,9 +6,9 @@
 #include <new>
 #include <utility>
 
+#include "base/prefetch.h"
 #include "tree/category_index.h"
 #include "tree/tree_node_data.h"
-#include "tree/tree_prefetch.h"
 
 namespace {
 
@@ -53,8 +53,8 @@ void VCTreeCategoryQueue::PlaceAll(VCUTreeResultNode* root,
   const size_t count = m_items.size();
   for (; m_placed < count; ++m_placed) {
     if (m_placed + kFar < count) {
-      VFTreePrefetch(m_items[m_placed + kFar].node);
-      VFTreePrefetch(m_text.data() + m_items[m_placed + kFar].offset);
+      utilkit::Prefetch(m_items[m_placed + kFar].node);
+      utilkit::Prefetch(m_text.data() + m_items[m_placed + kFar].offset);
     }
     if (m_placed + kNear < count) VCTreeNodeAccess::PrefetchBlock(m_items[m_placed + kNear].node);
     const Item& item = m_items[m_placed];

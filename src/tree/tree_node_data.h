@@ -13,7 +13,7 @@
 #include <utilkit/tree/tree_result_node.h>
 #include <utilkit/tree/tree_source_node.h>
 
-#include "tree/tree_prefetch.h"
+#include "base/prefetch.h"
 
 class VCTreeCategoryIndex;
 class VCUTreeGroupDefBase;
@@ -82,14 +82,14 @@ struct VCTreeNodeAccess {
   }
   // Starts loading the private block of `node`, whose own memory is loaded
   // or on its way.
-  static void PrefetchBlock(const VCUTreeNodeBase* node) { VFTreePrefetch(node->m_pData); }
+  static void PrefetchBlock(const VCUTreeNodeBase* node) { utilkit::Prefetch(node->m_pData); }
   // For a walk over `children` now at `index`: starts loading the node a few
   // places on, and the private block of the one that follows sooner (whose
   // node was requested a few steps before).
   static void PrefetchAhead(const VCTreeChildList& children, int32_t index) {
     constexpr int32_t kFar = 8, kNear = 4;
-    if (index + kFar < children.Size()) VFTreePrefetch(children[index + kFar]);
-    if (index + kNear < children.Size()) VFTreePrefetch(children[index + kNear]->m_pData);
+    if (index + kFar < children.Size()) utilkit::Prefetch(children[index + kFar]);
+    if (index + kNear < children.Size()) utilkit::Prefetch(children[index + kNear]->m_pData);
   }
 
   // Result nodes.

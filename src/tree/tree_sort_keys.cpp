@@ -2,7 +2,7 @@
 
 #include <typeinfo>
 
-#include "tree/tree_prefetch.h"
+#include "base/prefetch.h"
 
 void VCTreeSortKeys::Load(const VCArray<VCUTreeSortDefBase*>& sorting,
                           const VCTreeChildList& children) {
@@ -24,7 +24,7 @@ void VCTreeSortKeys::Load(const VCArray<VCUTreeSortDefBase*>& sorting,
   constexpr size_t kAhead = 4;
   m_keys.resize(m_data.size() * m_keyCount);
   for (size_t i = 0; i < m_data.size(); ++i) {
-    if (i + kAhead < m_data.size() && m_data[i + kAhead]) VFTreePrefetch(m_data[i + kAhead]);
+    if (i + kAhead < m_data.size() && m_data[i + kAhead]) utilkit::Prefetch(m_data[i + kAhead]);
     VCUTreeSourceNode* data = m_data[i];
     for (size_t k = 0; k < m_keyCount && data; ++k) {
       if (m_basic[k]) m_keys[i * m_keyCount + k] = m_basic[k]->GetSortKey(data);

@@ -1,7 +1,8 @@
-// Prefetch: a hint that brings a cell into the cache before it is read.
+// Prefetch: a hint that brings memory into the cache before it is read.
 //
-// Reading cells of rows in no order (after a sort, say) costs a cache miss
-// a cell; asking for the cell a few rows ahead lets those misses overlap.
+// Reading cells of rows in no order (after a sort, say) or walking the
+// nodes of a large tree costs a cache miss a read; asking for what a loop
+// reads a few steps ahead lets those misses overlap.
 //
 //   for (i...) { Prefetch(&cells[rows[i + 16]]); use(cells[rows[i]]); }
 #pragma once
@@ -10,7 +11,7 @@
 #include <xmmintrin.h>
 #endif
 
-namespace utilkit::table {
+namespace utilkit {
 
 // Asks the processor to bring `address` into the cache. Only a hint: it
 // never faults, even for an address that holds nothing.
@@ -22,4 +23,4 @@ inline void Prefetch(const void* address) {
 #endif
 }
 
-}  // namespace utilkit::table
+}  // namespace utilkit
