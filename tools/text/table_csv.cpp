@@ -97,8 +97,9 @@ class Reader {
          std::string* error)
       : m_text(text), m_source(source), m_dictionary(dictionary), m_error(error) {}
 
-  bool Run(const CsvProgress& progress) {
-    if (int64_t line = 0; CsvSplitter::FindNul(m_text, &line)) {
+  // `nulFree`: the caller has already made sure the text holds no NUL byte.
+  bool Run(const CsvProgress& progress, bool nulFree) {
+    if (int64_t line = 0; !nulFree && CsvSplitter::FindNul(m_text, &line)) {
       return Fail(m_source + ":" + std::to_string(line) + ": " + kCsvNulByte);
     }
     CsvSplitter splitter(m_text);
@@ -251,9 +252,10 @@ class Reader {
 
 // Reads `text` into `table`; `owned`, when given, holds the text and is
 // freed before the columns are handed over, to keep the peak memory low.
+// `nulFree`: the text is known to hold no NUL byte.
 bool Load(std::string_view text, std::unique_ptr<char[]>* owned, const std::string& source,
           VCUTableMemory* table, VCUDictionary* dictionary, std::string* error,
-          const CsvProgress& progress) {
+          const CsvProgress& progress, bool nulFree = false) {
   // The table reports a failed AddCol (out of memory) on the error stack.
   auto records = [] {
     int32_t n = 0;
@@ -263,7 +265,7 @@ bool Load(std::string_view text, std::unique_ptr<char[]>* owned, const std::stri
   const int32_t before = records();
   try {
     Reader reader(text, source, dictionary, error);
-    if (!reader.Run(progress)) return false;
+    if (!reader.Run(progress, nulFree)) return false;
     if (owned) owned->reset();
     reader.MoveInto(table);
   } catch (const std::bad_alloc&) {
@@ -311,6 +313,7 @@ bool ReadCsvToMemoryTable(const std::string& path, VCUTableMemory* table, VCUDic
   size_t used = 0, capacity = 0;
   constexpr size_t kChunk = size_t{16} << 20;
   int64_t size = 0;
+  bool nul = false;  // a NUL byte was read
   if (file && std::fseek(file.get(), 0, SEEK_END) == 0) {
     size = std::max<int64_t>(std::ftell(file.get()), 0);
     std::rewind(file.get());
@@ -330,7 +333,7 @@ bool ReadCsvToMemoryTable(const std::string& path, VCUTableMemory* table, VCUDic
         capacity = grown;
       }
       const size_t got = std::fread(text.get() + used, 1, kChunk, file.get());
-      const bool nul = std::memchr(text.get() + used, 0, got) != nullptr;
+      nul = std::memchr(text.get() + used, 0, got) != nullptr;
       used += got;
       if (nul) break;  // reported while parsing
       if (progress) progress("Reading", static_cast<int64_t>(used), std::max<int64_t>(size, 1));
@@ -344,7 +347,8 @@ bool ReadCsvToMemoryTable(const std::string& path, VCUTableMemory* table, VCUDic
     return false;
   }
   file.reset();
-  return Load(std::string_view(text.get(), used), &text, path, table, dictionary, error, progress);
+  return Load(std::string_view(text.get(), used), &text, path, table, dictionary, error, progress,
+              !nul);
 }
 
 }  // namespace utilkit::tool
