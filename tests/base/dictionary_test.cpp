@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -54,6 +56,27 @@ TEST(DictionaryTest, ReferencesStayValidWhileThePoolGrowsAndShrinks) {
       ASSERT_STREQ(pool.GetString(found), std::to_string(i).c_str());
     }
   }
+}
+
+// A pool of a few texts indexes them in 16 slots by std::hash. Texts that
+// probe from the last slot wrap around to the first ones; removing one must
+// move back only those that probing would no longer reach.
+TEST(DictionaryTest, RemovalKeepsTextsFoundAcrossTheEndOfTheIndex) {
+  std::vector<std::string> last, first;  // texts whose first slot is 15, and 0
+  for (int i = 0; last.size() < 2 || first.empty(); ++i) {
+    const std::string text = "t" + std::to_string(i);
+    const size_t slot = std::hash<std::string_view>()(text) & 15;
+    if (slot == 15 && last.size() < 2) last.push_back(text);
+    if (slot == 0 && first.empty()) first.push_back(text);
+  }
+  VCUDictionary pool;
+  const VCUDictionaryRef* a = pool.InsertString(last[0]);   // slot 15
+  const VCUDictionaryRef* b = pool.InsertString(first[0]);  // slot 0, where it belongs
+  const VCUDictionaryRef* c = pool.InsertString(last[1]);   // slot 1, wrapped from 15
+  ASSERT_TRUE(pool.RemoveString(a));
+  EXPECT_EQ(pool.FindString(first[0]), b);
+  EXPECT_EQ(pool.FindString(last[1]), c);
+  EXPECT_EQ(pool.FindString(last[0]), nullptr);
 }
 
 TEST(DictionaryTest, WalkFollowsInsertionOrderThroughRemovals) {
